@@ -1,0 +1,73 @@
+// An object path: namespace, class, host and keys of an instance. A value type over a broker object that is either lent
+// (came with a request; never released) or owned (made by a factory or copied; released by the destructor). A copy is
+// an independent clone and may be kept across calls. Use an object on one thread only.
+#pragma once
+
+#include "cmpi/Objects.h"
+#include "cmpi/Broker.h"
+#include "cmpicpp/CmpiName.h"
+#include "cmpicpp/Export.h"
+
+#include <cstdint>
+#include <string>
+
+namespace CmpiCpp {
+
+class KDV_CMPICPP_API CmpiObjectPath {
+public:
+    static CmpiObjectPath lent(const CMPIObjectPath* raw) noexcept;
+    static CmpiObjectPath owned(CMPIObjectPath* raw) noexcept;
+
+    CmpiObjectPath(const CmpiObjectPath& other); // clones
+    CmpiObjectPath(CmpiObjectPath&& other) noexcept;
+    CmpiObjectPath& operator=(CmpiObjectPath other) noexcept;
+    ~CmpiObjectPath();
+
+    bool empty() const; // no class: the answer "not associated"
+    std::string getClassName() const;
+    std::string getNameSpace() const;
+    std::string getHost() const;
+    void setHost(const std::string& host);
+    void setNameSpace(const std::string& nameSpace);
+
+    void addKey(const CmpiName& name, const char* text);
+    void addKey(const CmpiName& name, const std::string& text);
+    void addKey(const CmpiName& name, const CmpiObjectPath& reference);
+
+    std::string keyText(const CmpiName& name) const; // empty when there is no such text key
+
+    // "//host/ns:Class.Key="text",Ref="..."" with quotes and escapes as DSP0207 shows; keys in their order.
+    std::string str() const;
+
+    // Equal for requests: same class and namespace without regard to case, same set of keys in any order, key names
+    // without regard to case, texts exactly, numbers by value, references by this rule. The host plays no part; a
+    // missing namespace stands for the default namespace.
+    bool equals(const CmpiObjectPath& other) const;
+
+    // Equal paths have equal fingerprints. Costs one walk over the keys.
+    std::uint64_t fingerprint() const;
+
+    // The namespace that a path without one stands for; set once by the provider, before requests.
+    static void setDefaultNameSpace(const std::string& nameSpace);
+
+    const CMPIObjectPath* raw() const noexcept { return _raw; }
+    CMPIObjectPath* detach() noexcept; // gives the object up to the server's own release at the end of the call
+
+private:
+    CmpiObjectPath(CMPIObjectPath* raw, bool isOwned) noexcept : _raw(raw), _owned(isOwned) {}
+
+    CMPIObjectPath* _raw;
+    bool _owned;
+};
+
+inline bool operator==(const CmpiObjectPath& a, const CmpiObjectPath& b) { return a.equals(b); }
+inline bool operator!=(const CmpiObjectPath& a, const CmpiObjectPath& b) { return !a.equals(b); }
+
+// Makes a path in a namespace. Throws CmpiStatus when the broker refuses.
+KDV_CMPICPP_API CmpiObjectPath makeCmpiObjectPath(const CMPIBroker* broker, const CmpiName& nameSpace,
+                                                  const CmpiName& className);
+
+// The empty path: no class, no keys.
+KDV_CMPICPP_API CmpiObjectPath makeCmpiObjectPath(const CMPIBroker* broker);
+
+} // namespace CmpiCpp
