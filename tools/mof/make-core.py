@@ -62,8 +62,11 @@ def qualifiers_of(fact, indent):
     text = ", ".join(result)
     if "values" in fact:
         codes = wrapped("ValueMap", [code for code, _ in fact["values"]], indent + " ")
-        texts = wrapped("Values", [name for _, name in fact["values"]], indent + " ")
-        text = ",\n".join(([text] if text else []) + [codes, texts]).lstrip()
+        parts = [text, codes] if text else [codes]
+        # A text property lists its values in ValueMap alone: they need no second name.
+        if all(name is not None for _, name in fact["values"]):
+            parts.append(wrapped("Values", [name for _, name in fact["values"]], indent + " "))
+        text = ",\n".join(parts).lstrip()
     return text
 
 
