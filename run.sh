@@ -1,0 +1,40 @@
+#!/usr/bin/env bash
+# Installs what is needed, builds the release and serves the default scenario: ./run.sh [--build-only] [host options]
+set -euo pipefail
+cd "$(dirname "$0")"
+
+usage() {
+    cat <<'TEXT'
+Usage: ./run.sh [--build-only] [--scenario FILE] [options of kdv-cimhost]
+
+Installs what is missing, builds build/release and starts the object manager with the provider on the default
+scenario (scenarios/default.json), listening on 127.0.0.1:5988. Ctrl-C ends it.
+
+  --build-only       stop after the build
+  --scenario FILE    serve another machine description (see docs/scenarios.md)
+  --help             this text; "build/release/bin/kdv-cimhost --help" tells the options of the object manager
+TEXT
+}
+
+build_only=
+scenario=${KDV_SAS_SCENARIO:-$PWD/scenarios/default.json}
+options=()
+while [ $# -gt 0 ]; do
+    case $1 in
+        --build-only) build_only=1 ;;
+        --scenario)
+            [ $# -ge 2 ] || { echo "run.sh: --scenario needs a file" >&2; exit 2; }
+            scenario=$2; shift ;;
+        --help|-h) usage; exit 0 ;;
+        *) options+=("$1") ;;
+    esac
+    shift
+done
+
+tools/install-packages build
+tools/build release
+[ -n "$build_only" ] && exit 0
+
+[ -r "$scenario" ] || { echo "run.sh: cannot read the scenario $scenario" >&2; exit 1; }
+export KDV_SAS_SCENARIO=$scenario
+exec build/release/bin/kdv-cimhost "${options[@]}"
