@@ -1,12 +1,13 @@
 // Drives a provider's periodic work. It makes the real provider through the factory when it is itself made (so that a
-// failure reaches whoever makes it, who may try again), forwards every operation to it, and calls the worker method on a
-// schedule that the auto-start instance gives: the first pass after a random part of the stagger, then one at every full
-// interval, both in seconds, measured from start to start; a pass that overruns is followed at the next full interval.
+// failure reaches whoever makes it, who may try again), forwards every operation to it, and calls the worker method on
+// a schedule that the auto-start instance gives: the first pass after a random part of the stagger, then one at every
+// full interval, both in seconds, measured from start to start; a pass that overruns is followed at the next full
+// interval.
 //
 // The thread that keeps the time makes no broker objects. Each pass runs on a short-lived thread of its own that
 // attaches to the broker, calls the worker method through the broker on the auto-start instance's path (or the provider
-// directly when the broker refuses or cannot), detaches and ends, because some servers free what a thread made only when
-// the thread ends. An outcome is logged once, then again only when it changes.
+// directly when the broker refuses or cannot), detaches and ends, because some servers free what a thread made only
+// when the thread ends. An outcome is logged once, then again only when it changes.
 //
 // The decorator itself answers enumeration and getInstance for the auto-start instance's class, which no collection
 // holds, so that a client can find the path on which to call the worker method.

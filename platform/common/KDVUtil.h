@@ -31,7 +31,8 @@ public:
     static std::string getHostName();
 
     // The path of the computer system that hosts the storage. Class and namespace can be set in the configuration
-    // directory (computer-system.conf), so that a server's own computer system is used; nobody here serves the instance.
+    // directory (computer-system.conf), so that a server's own computer system is used; nobody here serves the
+    // instance.
     static CmpiCpp::CmpiObjectPath getComputerSystemPath();
 
     // From best to worst: OK, Unknown, Predictive Failure, Degraded, Error; anything else counts as Unknown. Equal
