@@ -11,6 +11,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace KDV::Host {
@@ -51,6 +52,8 @@ struct PropertyInfo {
     int index = -1;                    // place in ClassInfo::properties(); -1: no class declares it
     const ClassInfo* origin = nullptr; // the topmost class that declares it
     SchemaValue defaultValue;          // isNull: no default, or a default overridden with NULL
+    std::string file;                  // where it is declared, for messages
+    unsigned line = 0;
     QualifierList qualifiers;
 
     bool isArray() const noexcept { return (type & CMPI_ARRAY) != 0; }
@@ -130,6 +133,7 @@ private:
     std::vector<int> _keys;
     QualifierList _qualifiers;
     std::vector<std::int16_t> _table; // open addressing, -1 is free; the size is a power of two
+    std::vector<std::string_view> _names;
     // What was set after each property last time, at place previous + 1.
     std::unique_ptr<std::atomic<std::int16_t>[]> _next;
 };

@@ -10,11 +10,10 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 namespace KDV::Host {
-
-struct ClassDeclaration;
 
 // A static instance written in MOF ("instance of ..."), values as written.
 struct InstanceDeclaration {
