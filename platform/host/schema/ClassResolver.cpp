@@ -73,6 +73,11 @@ void ClassResolver::addProperty(ClassInfo& info, PropertyDeclaration&& declared,
     const auto same = [&](const PropertyInfo& other) { return sameName(other.name, property.name); };
     const auto old = std::find_if(info._properties.begin(), info._properties.end(), same);
     property.key = property.qualifiers.isTrue("Key");
+    // Instances of a class and of its subclasses are told apart by the same keys.
+    const bool isKeyAbove = old != info._properties.end() && old->key;
+    if (property.key && !isKeyAbove && info.superclass() && !info.superclass()->keys().empty())
+        fail("the key " + property.name + " of " + info._name + " is added to those that " + info.superclass()->name() +
+             " has already");
     property.origin = &info;
     property.file = by.file;
     property.line = declared.line;
@@ -89,11 +94,8 @@ void ClassResolver::addProperty(ClassInfo& info, PropertyDeclaration&& declared,
     if (old->type != property.type)
         fail("the property " + property.name + " of " + info._name + " has another type than in " +
              old->origin->name());
-    if (property.key && !old->key)
-        fail("the property " + property.name + " of " + info._name + " becomes a key, which it is not in " +
-             old->origin->name());
     inheritQualifiers(property.qualifiers, old->qualifiers);
-    property.key = old->key;
+    property.key = property.key || old->key;
     property.origin = old->origin;
     if (!declared.hasDefault)
         property.defaultValue = old->defaultValue;
