@@ -16,9 +16,9 @@ import mofinfo
 HEAD = """\
 # Class reference
 
-What the provider publishes in the namespace `{namespace}`: {instances} instance classes and {associations} associations,
-the instance that describes the worker, and the alert. Made by `tools/mof/make-class-docs.py` from `schema/`; change the
-MOF or `schema/published.json`, then run `cmake --build <tree> --target kdv_schema_docs`.
+What the provider publishes in the namespace `{namespace}`: {instances} instance classes and {associations}
+associations, the instance that describes the worker, and the alert. Made by `tools/mof/make-class-docs.py` from
+`schema/`; change the MOF or `schema/published.json`, then run `cmake --build <tree> --target kdv_schema_docs`.
 
 Properties stand in the order in which the class publishes them, which is the order of the lines in the class's source.
 "When" says under which condition a property has a value; where it is empty, always. **Bold** properties are keys. A

@@ -135,8 +135,8 @@ class KeptFiles(unittest.TestCase):
     def test_property_rows_of_the_reference_stand_in_published_order(self):
         text = self.DOCS.read_text(encoding="utf-8")
         sections = dict(re.findall(r"^### (\w+)\n(.*?)(?=^##|\Z)", text, re.MULTILINE | re.DOTALL))
-        shown = {name: [cell.strip("*") for cell in re.findall(r"^\| (\**\w+\**) \| \w+(?:\[\])? \|", body, re.MULTILINE)
-                        if cell != "Property"]
+        row = re.compile(r"^\| (\**\w+\**) \| \w+(?:\[\])? \|", re.MULTILINE)
+        shown = {name: [cell.strip("*") for cell in row.findall(body) if cell != "Property"]
                  for name, body in sections.items()}
         for line in re.findall(r'^\| <a id="\w+"></a>.*$', text, re.MULTILINE):
             name, _, first, second, further, _ = [cell.strip() for cell in line.strip("|").split("|")]
