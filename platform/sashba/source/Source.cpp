@@ -1,0 +1,7 @@
+#include "sashba/source/Source.h"
+
+namespace KDV {
+
+Source::~Source() = default;
+
+} // namespace KDV
