@@ -1,5 +1,5 @@
 // The association operations of a provider; getAssociationMI gives their C table. Null or empty class and role texts
-// mean no condition. See CmpiInstanceProvider.h for lifetimes and errors.
+// mean no condition. Defaults refuse with "not supported". See CmpiInstanceProvider.h for lifetimes and errors.
 #pragma once
 
 #include "cmpi/ProviderTables.h"

@@ -1,5 +1,6 @@
 // The indication operations of a provider in CMPI order; getIndicationMI gives their C table. Filters and class names
-// may be null or empty. Servers call these in any order and some of them never.
+// may be null or empty. Servers call these in any order and some of them never. By default filters are refused with
+// "not supported" and the rest does nothing.
 #pragma once
 
 #include "cmpi/ProviderTables.h"

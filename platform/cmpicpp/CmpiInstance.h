@@ -24,27 +24,41 @@ public:
     ~CmpiInstance();
 
     // Would addProperty hand this property on? Lets a caller skip the making of a costly value.
-    bool wants(const CmpiName& name) const noexcept;
+    bool wants(const CmpiName& name) const noexcept { return !_wanted || isListed(name); }
 
+    // The C++ type chooses the CIM type, so it must be exactly the class's. Throws CmpiStatus when the broker refuses.
     void addProperty(const CmpiName& name, bool value);
     void addProperty(const CmpiName& name, std::uint8_t value);
     void addProperty(const CmpiName& name, std::uint16_t value);
     void addProperty(const CmpiName& name, std::uint32_t value);
     void addProperty(const CmpiName& name, std::uint64_t value);
     void addProperty(const CmpiName& name, std::int8_t value);
-    void addProperty(const CmpiName& name, const char* text);
+    void addProperty(const CmpiName& name, const char* text); // null is the empty text
     void addProperty(const CmpiName& name, const std::string& text);
     void addProperty(const CmpiName& name, const CmpiObjectPath& reference);
     void addProperty(const CmpiName& name, const CmpiArray& array);
     void addDateTimeProperty(const CmpiName& name, const CMPIBroker* broker, std::uint64_t microsecondsSince1970);
 
+    // Any other pointer would silently become a boolean.
+    template <class Other>
+    void addProperty(const CmpiName& name, const Other* value) = delete;
+
     const CMPIInstance* raw() const noexcept { return _raw; }
 
 private:
+    friend KDV_CMPICPP_API CmpiInstance makeCmpiInstance(const CMPIBroker* broker, const CmpiObjectPath& path);
+
     void set(const CmpiName& name, const CMPIValue* value, CMPIType type);
+    void setKeys(const CMPIObjectPath* path);
+    bool isListed(const CmpiName& name) const noexcept;
 
     CMPIInstance* _raw;
     const char* const* _wanted; // null-terminated list in force when the instance was made; null: everything
+    // The keys of the path, by hash of their names: only filled while a list is in force. With more keys than room
+    // everything is handed on, and the broker's own filter sorts it out.
+    static constexpr unsigned keyRoom = 8;
+    std::uint32_t _keyHashes[keyRoom];
+    unsigned _keyCount = 0;
 };
 
 // Throws CmpiStatus when the broker refuses.

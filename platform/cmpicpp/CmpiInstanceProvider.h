@@ -18,8 +18,8 @@ public:
 
     virtual void enumInstanceNames(const CmpiContext& context, const CmpiObjectPath& classPath,
                                    const CmpiObjectPathResult& result);
-    virtual void enumInstances(const CmpiContext& context, const CmpiObjectPath& classPath, const char* const* properties,
-                               const CmpiInstanceResult& result);
+    virtual void enumInstances(const CmpiContext& context, const CmpiObjectPath& classPath,
+                               const char* const* properties, const CmpiInstanceResult& result);
     virtual void getInstance(const CmpiContext& context, const CmpiObjectPath& path, const char* const* properties,
                              const CmpiInstanceResult& result);
     virtual void createInstance(const CmpiContext& context, const CmpiObjectPath& path, const CMPIInstance* instance,

@@ -1,10 +1,12 @@
 // An object path: namespace, class, host and keys of an instance. A value type over a broker object that is either lent
 // (came with a request; never released) or owned (made by a factory or copied; released by the destructor). A copy is
 // an independent clone and may be kept across calls. Use an object on one thread only.
+// A path without a broker object is the empty path; what would change it throws CmpiStatus. Every function that is not
+// noexcept throws CmpiStatus when the broker fails.
 #pragma once
 
-#include "cmpi/Objects.h"
 #include "cmpi/Broker.h"
+#include "cmpi/Objects.h"
 #include "cmpicpp/CmpiName.h"
 #include "cmpicpp/Export.h"
 
@@ -41,7 +43,7 @@ public:
 
     // Equal for requests: same class and namespace without regard to case, same set of keys in any order, key names
     // without regard to case, texts exactly, numbers by value, references by this rule. The host plays no part; a
-    // missing namespace stands for the default namespace.
+    // missing namespace stands for the default namespace. References nested deeper than any real path equal nothing.
     bool equals(const CmpiObjectPath& other) const;
 
     // Equal paths have equal fingerprints. Costs one walk over the keys.
@@ -51,13 +53,22 @@ public:
     static void setDefaultNameSpace(const std::string& nameSpace);
 
     const CMPIObjectPath* raw() const noexcept { return _raw; }
-    CMPIObjectPath* detach() noexcept; // gives the object up to the server's own release at the end of the call
+
+    // Gives an object made by a factory up to the server, which releases it at the end of the call; still readable here
+    // until then. A copy has no such release: its object is then the caller's.
+    CMPIObjectPath* detach() noexcept;
+
+    // A copy is released by nobody but us, so it cannot be left to a server.
+    bool isCopy() const noexcept { return _hold == Hold::cloned; }
 
 private:
-    CmpiObjectPath(CMPIObjectPath* raw, bool isOwned) noexcept : _raw(raw), _owned(isOwned) {}
+    enum class Hold : unsigned char { lent, made, cloned };
+    CmpiObjectPath(CMPIObjectPath* raw, Hold hold) noexcept : _raw(raw), _hold(hold) {}
+
+    const CMPIObjectPath* existing() const; // throws for the empty path
 
     CMPIObjectPath* _raw;
-    bool _owned;
+    Hold _hold;
 };
 
 inline bool operator==(const CmpiObjectPath& a, const CmpiObjectPath& b) { return a.equals(b); }
@@ -69,5 +80,8 @@ KDV_CMPICPP_API CmpiObjectPath makeCmpiObjectPath(const CMPIBroker* broker, cons
 
 // The empty path: no class, no keys.
 KDV_CMPICPP_API CmpiObjectPath makeCmpiObjectPath(const CMPIBroker* broker);
+
+// A path with the same host, namespace, class and keys, made by the broker's factory and not by cloning.
+KDV_CMPICPP_API CmpiObjectPath remakeCmpiObjectPath(const CMPIBroker* broker, const CmpiObjectPath& path);
 
 } // namespace CmpiCpp

@@ -1,8 +1,9 @@
 // Where a provider puts its answers. Lent by the server for one call. An instance is released by its owner as soon as
 // it was returned, since every server has copied it by then; a path stays until the call returns, because a server may
-// keep the pointer.
+// keep the pointer. Each function throws CmpiStatus when the server refuses.
 #pragma once
 
+#include "cmpi/Broker.h"
 #include "cmpi/Objects.h"
 #include "cmpicpp/CmpiInstance.h"
 #include "cmpicpp/CmpiObjectPath.h"
@@ -25,13 +26,17 @@ private:
 
 class KDV_CMPICPP_API CmpiObjectPathResult {
 public:
-    explicit CmpiObjectPathResult(const CMPIResult* raw) noexcept : _raw(raw) {}
+    // With a broker a copied path, which no server would ever release, is made anew before it is left to the server.
+    explicit CmpiObjectPathResult(const CMPIResult* raw, const CMPIBroker* broker = nullptr) noexcept
+        : _raw(raw), _broker(broker)
+    {}
     void returnObjectPath(CmpiObjectPath path) const; // leaves the object to the server
     void returnDone() const;
     const CMPIResult* raw() const noexcept { return _raw; }
 
 private:
     const CMPIResult* _raw;
+    const CMPIBroker* _broker;
 };
 
 class KDV_CMPICPP_API CmpiMethodResult {

@@ -12,17 +12,34 @@ namespace CmpiCpp {
 class KDV_CMPICPP_API CmpiStatus {
 public:
     explicit CmpiStatus(int code, std::string text = {});
+    CmpiStatus(const CmpiStatus&) = default;
+    CmpiStatus(CmpiStatus&&) = default;
+    CmpiStatus& operator=(const CmpiStatus&) = default;
+    CmpiStatus& operator=(CmpiStatus&&) = default;
     virtual ~CmpiStatus();
 
     CMPIrc code() const noexcept { return _code; }
-    const char* str() const noexcept { return _text.c_str(); } // never null; "CMPI error 6" style text when none was given
+
+    // Never null; "CMPI error 6" when no text was given.
+    const char* str() const noexcept { return _text.c_str(); }
 
 private:
     CMPIrc _code;
     std::string _text;
 };
 
+[[noreturn]] KDV_CMPICPP_API void throwStatus(const CMPIStatus& status, const char* call);
+
 // Throws when the status is not OK; call names the broker function for the text.
-KDV_CMPICPP_API void throwIfFailed(const CMPIStatus& status, const char* call);
+inline void throwIfFailed(const CMPIStatus& status, const char* call)
+{
+    if (__builtin_expect(status.rc != CMPI_RC_OK, 0)) throwStatus(status, call);
+}
+
+// Servers differ in how they say that something is not there.
+inline bool isMiss(CMPIrc code) noexcept
+{
+    return code == CMPI_RC_ERR_NOT_FOUND || code == CMPI_RC_ERR_NO_SUCH_PROPERTY;
+}
 
 } // namespace CmpiCpp

@@ -18,8 +18,7 @@ std::string_view trimmed(std::string_view text)
 {
     constexpr std::string_view blanks = " \t\r\n\v\f";
     const std::size_t first = text.find_first_not_of(blanks);
-    if (first == std::string_view::npos)
-        return {};
+    if (first == std::string_view::npos) return {};
     return text.substr(first, text.find_last_not_of(blanks) - first + 1);
 }
 
@@ -34,12 +33,10 @@ std::string expected(std::string_view where, std::string_view choices, std::stri
 std::string parseLine(std::string_view line, LogSettings& settings)
 {
     const std::size_t equals = line.find('=');
-    if (equals == std::string_view::npos)
-        return expected("line", "key = value", line);
+    if (equals == std::string_view::npos) return expected("line", "key = value", line);
     const std::string_view key = trimmed(line.substr(0, equals));
     const std::string_view value = trimmed(line.substr(equals + 1));
-    if (key == "sink")
-        return parseLogTarget(value, settings) ? std::string() : expected(key, sinkChoices, value);
+    if (key == "sink") return parseLogTarget(value, settings) ? std::string() : expected(key, sinkChoices, value);
     if (key == "level")
         return parseLogLevel(value, settings.level) ? std::string() : expected(key, levelChoices, value);
     return expected("key", "sink or level", key);
@@ -49,8 +46,7 @@ std::string configurationFile()
 {
     const char* directory = std::getenv("KDV_CONFIG_DIR");
     std::string path = directory && *directory ? directory : "/etc/cim/zt-kdv";
-    if (path.back() != '/')
-        path += '/';
+    if (path.back() != '/') path += '/';
     return path + "logger.conf";
 }
 
@@ -60,8 +56,7 @@ void readFile(LogSettings& settings, std::vector<std::string>& mistakes)
     errno = 0;
     std::ifstream file(path, std::ios::binary);
     if (!file) {
-        if (errno != ENOENT && errno != ENOTDIR)
-            mistakes.push_back(path + ": cannot be read: " + std::strerror(errno));
+        if (errno != ENOENT && errno != ENOTDIR) mistakes.push_back(path + ": cannot be read: " + std::strerror(errno));
         return;
     }
     const std::string text{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
@@ -73,8 +68,7 @@ void readFile(LogSettings& settings, std::vector<std::string>& mistakes)
 
 void report(const std::vector<std::string>& mistakes)
 {
-    if (logLevel() == LogLevel::off)
-        return;
+    if (logLevel() == LogLevel::off) return;
     for (const std::string& mistake : mistakes) {
         char text[maximumText];
         const std::size_t size = makePrintable(mistake, text, sizeof text);
@@ -88,8 +82,7 @@ void configure()
     const LogSettings settings = readLogSettings(mistakes);
     setLogLevel(settings.level);
     report(mistakes); // while the default sink is still in force
-    if (!applyLogSettings(settings))
-        report({settings.file + ": cannot be opened: " + std::strerror(errno)});
+    if (!applyLogSettings(settings)) report({settings.file + ": cannot be opened: " + std::strerror(errno)});
 }
 
 } // namespace
@@ -131,11 +124,9 @@ void parseLogConfiguration(std::string_view text, LogSettings& settings, std::ve
         const std::size_t end = text.find('\n');
         const std::string_view line = trimmed(text.substr(0, end));
         text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
-        if (line.empty() || line.front() == '#')
-            continue;
+        if (line.empty() || line.front() == '#') continue;
         const std::string mistake = parseLine(line, settings);
-        if (!mistake.empty())
-            mistakes.push_back(std::to_string(number) + ": " + mistake);
+        if (!mistake.empty()) mistakes.push_back(std::to_string(number) + ": " + mistake);
     }
 }
 
@@ -144,8 +135,7 @@ LogSettings readLogSettings(std::vector<std::string>& mistakes)
     LogSettings settings;
     readFile(settings, mistakes);
     const char* sink = std::getenv("KDV_LOG");
-    if (sink && *sink && !parseLogTarget(sink, settings))
-        mistakes.push_back(expected("KDV_LOG", sinkChoices, sink));
+    if (sink && *sink && !parseLogTarget(sink, settings)) mistakes.push_back(expected("KDV_LOG", sinkChoices, sink));
     const char* level = std::getenv("KDV_LOG_LEVEL");
     if (level && *level && !parseLogLevel(level, settings.level))
         mistakes.push_back(expected("KDV_LOG_LEVEL", levelChoices, level));

@@ -42,7 +42,7 @@ KDV_LOGGER_API void setLogLevel(LogLevel level) noexcept;
 KDV_LOGGER_API LogLevel logLevel() noexcept;
 
 // Lines go to this function instead of the configured sink, one call at a time, until an empty one is set; when
-// setLogSink returns, the one before it is no longer running. The texts are printable and end with the call. It may log,
-// but those lines are dropped.
+// setLogSink returns, the one before it is no longer running. The texts are printable and end with the call. It may
+// log, but those lines are dropped.
 using LogSink = std::function<void(LogLevel level, std::string_view source, std::string_view text)>;
 KDV_LOGGER_API void setLogSink(LogSink sink);

@@ -5,12 +5,11 @@
 #include <cstdio>
 #include <cstring>
 #include <ctime>
-#include <mutex>
-#include <utility>
-
 #include <fcntl.h>
+#include <mutex>
 #include <syslog.h>
 #include <unistd.h>
+#include <utility>
 
 std::atomic<LogLevel> levelInForce{LogLevel::error};
 
@@ -36,10 +35,7 @@ Sinks& sinks() noexcept
 
 thread_local bool insideFunction = false;
 
-const char* nameOf(LogLevel level) noexcept
-{
-    return level == LogLevel::info ? "info" : "error";
-}
+const char* nameOf(LogLevel level) noexcept { return level == LogLevel::info ? "info" : "error"; }
 
 class Line {
 public:
@@ -84,11 +80,9 @@ private:
 
 void callFunction(LogLevel level, std::string_view source, std::string_view text) noexcept
 {
-    if (insideFunction)
-        return;
+    if (insideFunction) return;
     std::lock_guard<std::mutex> lock(sinks().calls);
-    if (!sinks().function)
-        return;
+    if (!sinks().function) return;
     insideFunction = true;
     try {
         sinks().function(level, source, text);
@@ -101,8 +95,7 @@ void callFunction(LogLevel level, std::string_view source, std::string_view text
 bool openFile(const std::string& path)
 {
     const int fresh = open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC | O_NOCTTY, 0640);
-    if (fresh < 0)
-        return false;
+    if (fresh < 0) return false;
     const int kept = sinks().file.load();
     if (kept < 0) {
         sinks().file.store(fresh);
@@ -123,8 +116,7 @@ void writeLine(LogLevel level, std::string_view source, std::string_view text) n
         callFunction(level, source, text);
     } else {
         Line line;
-        if (route == Route::file)
-            line.addTime();
+        if (route == Route::file) line.addTime();
         if (route != Route::syslog) {
             line.add(nameOf(level));
             line.add(" ");
@@ -151,21 +143,14 @@ bool applyLogSettings(const LogSettings& settings)
         route = opened ? Route::file : Route::syslog;
     }
     all.configured.store(route);
-    if (all.route.load() != Route::function)
-        all.route.store(route);
+    if (all.route.load() != Route::function) all.route.store(route);
     setLogLevel(settings.level);
     return opened;
 }
 
-void setLogLevel(LogLevel level) noexcept
-{
-    levelInForce.store(level, std::memory_order_relaxed);
-}
+void setLogLevel(LogLevel level) noexcept { levelInForce.store(level, std::memory_order_relaxed); }
 
-LogLevel logLevel() noexcept
-{
-    return levelInForce.load(std::memory_order_relaxed);
-}
+LogLevel logLevel() noexcept { return levelInForce.load(std::memory_order_relaxed); }
 
 void setLogSink(LogSink sink)
 {

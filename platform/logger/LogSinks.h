@@ -18,8 +18,8 @@ constexpr std::size_t maximumLine = 2048;
 
 void writeLine(LogLevel level, std::string_view source, std::string_view text) noexcept;
 
-// Copies text so that it is valid UTF-8 without control characters: those and stray bytes become \n, \t or \xNN. Cuts at
-// room bytes, at the end of a character, with "..." as the last three. Gives the length written.
+// Copies text so that it is valid UTF-8 without control characters: those and stray bytes become \n, \t or \xNN. Cuts
+// at room bytes, at the end of a character, with "..." as the last three. Gives the length written.
 KDV_LOGGER_API std::size_t makePrintable(std::string_view text, char* out, std::size_t room) noexcept;
 
 // Reads and applies the settings of the process, the first time it is called.

@@ -15,8 +15,7 @@ public:
     LogSource(const LogSource* base, std::string_view added, std::size_t hash, const LogSource* next)
         : _base(base), _text(base ? base->_text + std::string(added) : std::string(added)), _added(added.size()),
           _hash(hash), _next(next)
-    {
-    }
+    {}
 
     const std::string& text() const noexcept { return _text; }
     const LogSource* next() const noexcept { return _next; }
@@ -54,8 +53,7 @@ const LogSource* intern(const LogSource* base, std::string_view added)
 {
     const std::size_t hash = std::hash<std::string_view>()(added) ^ (reinterpret_cast<std::size_t>(base) >> 4);
     auto& bucket = buckets[hash % bucketCount];
-    if (const LogSource* known = find(bucket.load(std::memory_order_acquire), base, added, hash))
-        return known;
+    if (const LogSource* known = find(bucket.load(std::memory_order_acquire), base, added, hash)) return known;
     std::lock_guard<std::mutex> lock(growing);
     const LogSource* first = bucket.load(std::memory_order_relaxed);
     const LogSource* known = find(first, base, added, hash);
@@ -75,8 +73,7 @@ void writeFormatted(LogLevel level, const std::string& source, const char* forma
     char raw[maximumText + 4];
     char text[maximumText];
     const int wanted = std::vsnprintf(raw, sizeof raw, format, arguments);
-    if (wanted < 0)
-        return;
+    if (wanted < 0) return;
     const std::size_t length = std::min(static_cast<std::size_t>(wanted), sizeof raw - 1);
     const std::size_t size = makePrintable(std::string_view(raw, length), text, sizeof text);
     char name[maximumLine - maximumText - 64];
@@ -84,10 +81,7 @@ void writeFormatted(LogLevel level, const std::string& source, const char* forma
     writeLine(level, std::string_view(name, nameSize), std::string_view(text, size));
 }
 
-bool isOff(LogLevel level) noexcept
-{
-    return levelInForce.load(std::memory_order_relaxed) < level;
-}
+bool isOff(LogLevel level) noexcept { return levelInForce.load(std::memory_order_relaxed) < level; }
 
 } // namespace
 
@@ -97,15 +91,11 @@ Logger::Logger(std::string_view source)
     _source = intern(nullptr, source);
 }
 
-void Logger::appendLogSource(std::string_view text)
-{
-    _source = intern(_source, text);
-}
+void Logger::appendLogSource(std::string_view text) { _source = intern(_source, text); }
 
 void Logger::info(const char* format, ...) const
 {
-    if (isOff(LogLevel::info))
-        return;
+    if (isOff(LogLevel::info)) return;
     std::va_list arguments;
     va_start(arguments, format);
     writeFormatted(LogLevel::info, source(), format, arguments);
@@ -114,15 +104,11 @@ void Logger::info(const char* format, ...) const
 
 void Logger::error(const char* format, ...) const
 {
-    if (isOff(LogLevel::error))
-        return;
+    if (isOff(LogLevel::error)) return;
     std::va_list arguments;
     va_start(arguments, format);
     writeFormatted(LogLevel::error, source(), format, arguments);
     va_end(arguments);
 }
 
-const std::string& Logger::source() const noexcept
-{
-    return _source->text();
-}
+const std::string& Logger::source() const noexcept { return _source->text(); }

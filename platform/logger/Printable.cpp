@@ -10,14 +10,11 @@ std::size_t printableCharacter(std::string_view text) noexcept
 {
     const auto at = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
     const unsigned first = at(0);
-    if (first < 0x80)
-        return first >= 0x20 && first != 0x7f ? 1 : 0;
+    if (first < 0x80) return first >= 0x20 && first != 0x7f ? 1 : 0;
     const std::size_t length = first >= 0xf0 ? 4 : first >= 0xe0 ? 3 : 2;
-    if (first < 0xc2 || first > 0xf4 || text.size() < length)
-        return 0;
+    if (first < 0xc2 || first > 0xf4 || text.size() < length) return 0;
     for (std::size_t i = 1; i < length; ++i) {
-        if ((at(i) & 0xc0) != 0x80)
-            return 0;
+        if ((at(i) & 0xc0) != 0x80) return 0;
     }
     const unsigned second = at(1);
     if ((first == 0xc2 && second < 0xa0) || (first == 0xe0 && second < 0xa0) || (first == 0xed && second > 0x9f) ||
@@ -58,15 +55,13 @@ std::size_t makePrintable(std::string_view text, char* out, std::size_t room) no
             std::memcpy(piece, text.data(), taken);
         }
         if (length + size > room) {
-            if (room < mark.size())
-                return length;
+            if (room < mark.size()) return length;
             std::memcpy(out + markAt, mark.data(), mark.size());
             return markAt + mark.size();
         }
         std::memcpy(out + length, piece, size);
         length += size;
-        if (length + mark.size() <= room)
-            markAt = length;
+        if (length + mark.size() <= room) markAt = length;
         text.remove_prefix(taken);
     }
     return length;
