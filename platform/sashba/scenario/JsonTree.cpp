@@ -54,7 +54,12 @@ public:
     bool string(string_t& text) override { return put(std::pmr::string(text.data(), text.size(), &_memory)); }
     bool binary(binary_t&) override { return false; } // only binary formats send it
 
-    bool start_object(std::size_t) override { return open(JsonNode::Object(&_memory)); }
+    bool start_object(std::size_t) override
+    {
+        JsonNode::Object members(&_memory);
+        members.reserve(24); // as many as a drive has: growing would leave the smaller pieces behind
+        return open(std::move(members));
+    }
     bool start_array(std::size_t) override { return open(JsonNode::Array(&_memory)); }
 
     bool end_object() override
