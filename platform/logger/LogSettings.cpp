@@ -6,13 +6,13 @@
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
-#include <iterator>
 #include <mutex>
 
 namespace {
 
 constexpr std::string_view sinkChoices = "syslog, stderr or file:/path";
 constexpr std::string_view levelChoices = "error, info or off";
+constexpr std::size_t maximumFile = 65536; // what lies beyond is not read
 
 std::string_view trimmed(std::string_view text)
 {
@@ -53,13 +53,20 @@ std::string configurationFile()
 void readFile(LogSettings& settings, std::vector<std::string>& mistakes)
 {
     const std::string path = configurationFile();
+    const auto cannotRead = [&] { mistakes.push_back(path + ": cannot be read: " + std::strerror(errno)); };
     errno = 0;
     std::ifstream file(path, std::ios::binary);
     if (!file) {
-        if (errno != ENOENT && errno != ENOTDIR) mistakes.push_back(path + ": cannot be read: " + std::strerror(errno));
+        if (errno != ENOENT && errno != ENOTDIR) cannotRead();
         return;
     }
-    const std::string text{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+    std::string text(maximumFile, '\0');
+    file.read(text.data(), static_cast<std::streamsize>(text.size()));
+    if (file.bad()) {
+        cannotRead();
+        return;
+    }
+    text.resize(static_cast<std::size_t>(file.gcount()));
     const std::size_t before = mistakes.size();
     parseLogConfiguration(text, settings, mistakes);
     for (std::size_t i = before; i < mistakes.size(); ++i)
