@@ -1,0 +1,35 @@
+// The firmware that is installed on an array system. Made for every HBA; owned by the collection, used under the
+// provider's lock.
+#pragma once
+
+#include "associations/TwoEnds.h"
+#include "cmpicpp/CmpiInstance.h"
+#include "cmpicpp/CmpiObjectPath.h"
+#include "common/CmpiManagedInstanceAssociation.h"
+#include "instances/InstanceLog.h"
+#include "logger/Logger.h"
+
+#include <string>
+
+namespace KDV {
+
+class KDV_SASArraySystemFirmware final : public CmpiManagedInstanceAssociation {
+public:
+    KDV_SASArraySystemFirmware(const Logger& logger, const std::string& nameSpace,
+                               const CmpiManagedInstance* arraySystem, const CmpiManagedInstance* firmware);
+    ~KDV_SASArraySystemFirmware() override;
+
+    CmpiCpp::CmpiObjectPath getPath() const override;
+    CmpiCpp::CmpiInstance getInstance() override;
+    CmpiCpp::CmpiObjectPath getAssociatedPath(const CmpiCpp::CmpiObjectPath& given) const override;
+
+private:
+    TwoEnds ends() const;
+
+    std::string _nameSpace;
+    InstanceLog _log;
+    const CmpiManagedInstance* _arraySystem;
+    const CmpiManagedInstance* _firmware;
+};
+
+} // namespace KDV

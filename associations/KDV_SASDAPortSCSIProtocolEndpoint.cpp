@@ -1,0 +1,13 @@
+#include "associations/KDV_SASDAPortSCSIProtocolEndpoint.h"
+
+namespace KDV {
+namespace { const std::string className = "KDV_SASDAPortSCSIProtocolEndpoint"; }
+
+KDV_SASDAPortSCSIProtocolEndpoint::KDV_SASDAPortSCSIProtocolEndpoint(
+    const Logger& logger, const std::string& nameSpace,
+    const CmpiManagedInstance* port, const CmpiManagedInstance* endpoint)
+    : CIM_Dependency(nameSpace, className, port, endpoint), _log(logger, className) {}
+
+KDV_SASDAPortSCSIProtocolEndpoint::~KDV_SASDAPortSCSIProtocolEndpoint() = default;
+
+} // namespace KDV

@@ -1,0 +1,34 @@
+// The slot that an adapter is in. Made for every HBA; owned by the collection, used under the provider's lock.
+#pragma once
+
+#include "associations/TwoEnds.h"
+#include "cmpicpp/CmpiInstance.h"
+#include "cmpicpp/CmpiObjectPath.h"
+#include "common/CmpiManagedInstanceAssociation.h"
+#include "instances/InstanceLog.h"
+#include "logger/Logger.h"
+
+#include <string>
+
+namespace KDV {
+
+class KDV_SASPhysicalPackageArraySystemLocation final : public CmpiManagedInstanceAssociation {
+public:
+    KDV_SASPhysicalPackageArraySystemLocation(const Logger& logger, const std::string& nameSpace,
+                                              const CmpiManagedInstance* package, const CmpiManagedInstance* location);
+    ~KDV_SASPhysicalPackageArraySystemLocation() override;
+
+    CmpiCpp::CmpiObjectPath getPath() const override;
+    CmpiCpp::CmpiInstance getInstance() override;
+    CmpiCpp::CmpiObjectPath getAssociatedPath(const CmpiCpp::CmpiObjectPath& given) const override;
+
+private:
+    TwoEnds ends() const;
+
+    std::string _nameSpace;
+    InstanceLog _log;
+    const CmpiManagedInstance* _package;
+    const CmpiManagedInstance* _location;
+};
+
+} // namespace KDV

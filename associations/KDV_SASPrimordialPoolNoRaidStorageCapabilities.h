@@ -1,0 +1,36 @@
+// What the pool of disks outside any volume can offer. Made for every HBA; owned by the collection, used under the
+// provider's lock.
+#pragma once
+
+#include "associations/TwoEnds.h"
+#include "cmpicpp/CmpiInstance.h"
+#include "cmpicpp/CmpiObjectPath.h"
+#include "common/CmpiManagedInstanceAssociation.h"
+#include "instances/InstanceLog.h"
+#include "logger/Logger.h"
+
+#include <string>
+
+namespace KDV {
+
+class KDV_SASPrimordialPoolNoRaidStorageCapabilities final : public CmpiManagedInstanceAssociation {
+public:
+    KDV_SASPrimordialPoolNoRaidStorageCapabilities(const Logger& logger, const std::string& nameSpace,
+                                                   const CmpiManagedInstance* capabilities,
+                                                   const CmpiManagedInstance* pool);
+    ~KDV_SASPrimordialPoolNoRaidStorageCapabilities() override;
+
+    CmpiCpp::CmpiObjectPath getPath() const override;
+    CmpiCpp::CmpiInstance getInstance() override;
+    CmpiCpp::CmpiObjectPath getAssociatedPath(const CmpiCpp::CmpiObjectPath& given) const override;
+
+private:
+    TwoEnds ends() const;
+
+    std::string _nameSpace;
+    InstanceLog _log;
+    const CmpiManagedInstance* _capabilities;
+    const CmpiManagedInstance* _pool;
+};
+
+} // namespace KDV

@@ -1,0 +1,35 @@
+// What the HBA's primordial pool can offer. Made for every HBA; owned by the collection, used under the provider's
+// lock.
+#pragma once
+
+#include "associations/TwoEnds.h"
+#include "cmpicpp/CmpiInstance.h"
+#include "cmpicpp/CmpiObjectPath.h"
+#include "common/CmpiManagedInstanceAssociation.h"
+#include "instances/InstanceLog.h"
+#include "logger/Logger.h"
+
+#include <string>
+
+namespace KDV {
+
+class KDV_SASPrimordialPoolStorageCapabilities final : public CmpiManagedInstanceAssociation {
+public:
+    KDV_SASPrimordialPoolStorageCapabilities(const Logger& logger, const std::string& nameSpace,
+                                             const CmpiManagedInstance* capabilities, const CmpiManagedInstance* pool);
+    ~KDV_SASPrimordialPoolStorageCapabilities() override;
+
+    CmpiCpp::CmpiObjectPath getPath() const override;
+    CmpiCpp::CmpiInstance getInstance() override;
+    CmpiCpp::CmpiObjectPath getAssociatedPath(const CmpiCpp::CmpiObjectPath& given) const override;
+
+private:
+    TwoEnds ends() const;
+
+    std::string _nameSpace;
+    InstanceLog _log;
+    const CmpiManagedInstance* _capabilities;
+    const CmpiManagedInstance* _pool;
+};
+
+} // namespace KDV

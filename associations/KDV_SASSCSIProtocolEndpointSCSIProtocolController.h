@@ -1,0 +1,36 @@
+// The endpoint at which a SCSI protocol controller is reached. Made for every HBA; owned by the collection, used
+// under the provider's lock.
+#pragma once
+
+#include "associations/TwoEnds.h"
+#include "cmpicpp/CmpiInstance.h"
+#include "cmpicpp/CmpiObjectPath.h"
+#include "common/CmpiManagedInstanceAssociation.h"
+#include "instances/InstanceLog.h"
+#include "logger/Logger.h"
+
+#include <string>
+
+namespace KDV {
+
+class KDV_SASSCSIProtocolEndpointSCSIProtocolController final : public CmpiManagedInstanceAssociation {
+public:
+    KDV_SASSCSIProtocolEndpointSCSIProtocolController(const Logger& logger, const std::string& nameSpace,
+                                                      const CmpiManagedInstance* endpoint,
+                                                      const CmpiManagedInstance* protocolController);
+    ~KDV_SASSCSIProtocolEndpointSCSIProtocolController() override;
+
+    CmpiCpp::CmpiObjectPath getPath() const override;
+    CmpiCpp::CmpiInstance getInstance() override;
+    CmpiCpp::CmpiObjectPath getAssociatedPath(const CmpiCpp::CmpiObjectPath& given) const override;
+
+private:
+    TwoEnds ends() const;
+
+    std::string _nameSpace;
+    InstanceLog _log;
+    const CmpiManagedInstance* _endpoint;
+    const CmpiManagedInstance* _protocolController;
+};
+
+} // namespace KDV

@@ -1,0 +1,37 @@
+// The application firmware of a smart carrier and the array system that it serves. Made for every physical drive in
+// a smart carrier; owned by the collection, used under the provider's lock. It adds no log line of its own to a
+// request.
+#pragma once
+
+#include "associations/TwoEnds.h"
+#include "cmpicpp/CmpiInstance.h"
+#include "cmpicpp/CmpiObjectPath.h"
+#include "common/CmpiManagedInstanceAssociation.h"
+#include "instances/InstanceLog.h"
+#include "logger/Logger.h"
+
+#include <string>
+
+namespace KDV {
+
+class KDV_SASSmartDrvCarrierAppInstalledFirmwareIdentity final : public CmpiManagedInstanceAssociation {
+public:
+    KDV_SASSmartDrvCarrierAppInstalledFirmwareIdentity(const Logger& logger, const std::string& nameSpace,
+                                                       const CmpiManagedInstance* arraySystem,
+                                                       const CmpiManagedInstance* firmware);
+    ~KDV_SASSmartDrvCarrierAppInstalledFirmwareIdentity() override;
+
+    CmpiCpp::CmpiObjectPath getPath() const override;
+    CmpiCpp::CmpiInstance getInstance() override;
+    CmpiCpp::CmpiObjectPath getAssociatedPath(const CmpiCpp::CmpiObjectPath& given) const override;
+
+private:
+    TwoEnds ends() const;
+
+    std::string _nameSpace;
+    InstanceLog _log;
+    const CmpiManagedInstance* _arraySystem;
+    const CmpiManagedInstance* _firmware;
+};
+
+} // namespace KDV
