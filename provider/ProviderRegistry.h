@@ -1,0 +1,16 @@
+// The provider objects of this process by name: all entry points hand out the same one. Made at the first request for
+// the name, kept until the process ends. Safe from any thread; the registry's lock is never held together with the
+// provider's.
+#pragma once
+
+#include "cmpi/Broker.h"
+#include "cmpicpp/CmpiContext.h"
+#include "cmpicpp/CmpiProvider.h"
+
+namespace KDV {
+
+// The provider of that name, with one reference counted; null when this library has none. Throws what the making of
+// the provider throws; nothing is kept then, so that the next call tries again.
+CmpiCpp::CmpiProvider* obtainProvider(const CMPIBroker* broker, const CmpiCpp::CmpiContext& context, const char* name);
+
+} // namespace KDV
