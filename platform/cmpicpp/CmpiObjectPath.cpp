@@ -15,6 +15,17 @@ std::atomic<const char*> defaultNameSpaceText{""};
 
 const char* defaultNameSpace() noexcept { return defaultNameSpaceText.load(std::memory_order_acquire); }
 
+// Some servers read every number back as sint64 but want an unsigned one where the class declares it so.
+CMPIStatus addSameKey(const CMPIObjectPath* path, const PathKey& key)
+{
+    const CMPIStatus status = path->ft->addKey(path, key.name, &key.data.value, key.data.type);
+    const bool mismatch = status.rc == CMPI_RC_ERR_TYPE_MISMATCH || status.rc == CMPI_RC_ERR_INVALID_DATA_TYPE;
+    if (!mismatch || key.data.type != CMPI_sint64 || key.data.value.sint64 < 0) return status;
+    CMPIValue value = blankValue();
+    value.uint64 = static_cast<CMPIUint64>(key.data.value.sint64);
+    return path->ft->addKey(path, key.name, &value, CMPI_uint64);
+}
+
 } // namespace
 
 CmpiObjectPath CmpiObjectPath::lent(const CMPIObjectPath* raw) noexcept
@@ -143,8 +154,7 @@ CmpiObjectPath remakeCmpiObjectPath(const CMPIBroker* broker, const CmpiObjectPa
     const CMPICount count = keyCountOf(raw);
     for (CMPICount i = 0; i < count; ++i) {
         const PathKey key = keyAt(raw, i);
-        if (!key.isNull())
-            throwIfFailed(made.raw()->ft->addKey(made.raw(), key.name, &key.data.value, key.data.type), "addKey");
+        if (!key.isNull()) throwIfFailed(addSameKey(made.raw(), key), "addKey");
     }
     return made;
 }

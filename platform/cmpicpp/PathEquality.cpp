@@ -119,7 +119,7 @@ std::uint64_t valueHash(const PathKey& key, const char* defaultNameSpace, unsign
         hash = depth < maximumReferenceDepth ? fingerprintOf(value.reference, defaultNameSpace, depth + 1) : 0;
     else if (!value.text.empty())
         hash = std::hash<std::string_view>()(value.text);
-    return mixed(hash + static_cast<std::uint64_t>(value.kind));
+    return mixed(hash + static_cast<std::uint64_t>(value.kind) * 0x9e3779b97f4a7c15u); // kinds far apart
 }
 
 bool equalNameSpaces(const char* a, const char* b, const char* defaultNameSpace) noexcept
