@@ -1,0 +1,45 @@
+#include "instances/KDV_SASDAPort.h"
+
+#include "instances/CimValues.h"
+#include "instances/DevicePath.h"
+#include "instances/HbaText.h"
+#include "instances/Rows.h"
+
+using namespace CmpiCpp;
+namespace KDV {
+namespace { const std::string className = "KDV_SASDAPort"; }
+
+KDV_SASDAPort::KDV_SASDAPort(const Logger& logger, const std::string& nameSpace, const SasHbaRecord* hba)
+    : CmpiManagedInstance(className), _nameSpace(nameSpace), _log(logger, className), _hba(hba),
+      _hbaNumber(hba->hbaNumber)
+{
+    keysReadFrom(&hba->name, sizeof hba->name);
+}
+
+KDV_SASDAPort::~KDV_SASDAPort() = default;
+
+CmpiObjectPath KDV_SASDAPort::getPath() const
+{
+    _log.info("getPath()");
+    return devicePath(_nameSpace, className, _hba->name, _hba->name);
+}
+
+CmpiInstance KDV_SASDAPort::getInstance()
+{
+    _log.info("getInstance()");
+    PropertyRows row(*this);
+    row.string("ElementName", hbaElementText(*_hba));
+    row.uint16Array("OperationalStatus", {controllerStatus[_hba->controllerStatus]});
+    row.uint16("EnabledDefault", EnabledDefault::Enabled);
+    row.uint16("EnabledState", EnabledState::NotApplicable);
+    row.uint16("RequestedState", RequestedState::NotApplicable);
+    row.string("CreationClassName", className);
+    row.string("DeviceID", _hba->name);
+    row.string("SystemCreationClassName", arraySystemClass);
+    row.string("SystemName", _hba->name);
+    row.uint16("UsageRestriction", 2); // Front-end only
+    row.uint16("PortType", 82);        // Direct Attached: a value of this vendor
+    return row.instance();
+}
+
+} // namespace KDV

@@ -1,0 +1,31 @@
+// The firmware of a host bus adapter. The model text is that of the construction, name and version are read at each
+// call. Made by population and owned by the collection; reads its record under the provider's lock at each call.
+#pragma once
+
+#include "common/CmpiManagedInstance.h"
+#include "instances/InstanceLog.h"
+#include "logger/Logger.h"
+#include "records/Records.h"
+
+#include <cstdint>
+#include <string>
+
+namespace KDV {
+
+class KDV_SASFirmware final : public CmpiManagedInstance {
+public:
+    KDV_SASFirmware(const Logger& logger, const std::string& nameSpace, const SasHbaRecord* hba);
+    ~KDV_SASFirmware() override;
+
+    CmpiCpp::CmpiObjectPath getPath() const override;
+    CmpiCpp::CmpiInstance getInstance() override;
+
+private:
+    std::string _nameSpace;
+    InstanceLog _log;
+    const SasHbaRecord* _hba;
+    [[maybe_unused]] std::uint32_t _hbaNumber;
+    std::string _modelText;
+};
+
+} // namespace KDV

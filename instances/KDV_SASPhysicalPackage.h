@@ -1,0 +1,32 @@
+// The card that a host bus adapter is. Model and slot are those of the construction. Made by population and owned by
+// the collection; reads its record under the provider's lock at each call.
+#pragma once
+
+#include "common/CmpiManagedInstance.h"
+#include "instances/InstanceLog.h"
+#include "logger/Logger.h"
+#include "records/Records.h"
+
+#include <cstdint>
+#include <string>
+
+namespace KDV {
+
+class KDV_SASPhysicalPackage final : public CmpiManagedInstance {
+public:
+    KDV_SASPhysicalPackage(const Logger& logger, const std::string& nameSpace, const SasHbaRecord* hba);
+    ~KDV_SASPhysicalPackage() override;
+
+    CmpiCpp::CmpiObjectPath getPath() const override;
+    CmpiCpp::CmpiInstance getInstance() override;
+
+private:
+    std::string _nameSpace;
+    InstanceLog _log;
+    const SasHbaRecord* _hba;
+    [[maybe_unused]] std::uint32_t _hbaNumber;
+    std::string _modelText;
+    std::string _slotText;
+};
+
+} // namespace KDV

@@ -1,0 +1,32 @@
+// A host bus adapter as a product: number, model, vendor and version. Model and slot are those of the construction.
+// Made by population and owned by the collection; reads its record under the provider's lock at each call.
+#pragma once
+
+#include "common/CmpiManagedInstance.h"
+#include "instances/InstanceLog.h"
+#include "logger/Logger.h"
+#include "records/Records.h"
+
+#include <cstdint>
+#include <string>
+
+namespace KDV {
+
+class KDV_SASProduct final : public CmpiManagedInstance {
+public:
+    KDV_SASProduct(const Logger& logger, const std::string& nameSpace, const SasHbaRecord* hba);
+    ~KDV_SASProduct() override;
+
+    CmpiCpp::CmpiObjectPath getPath() const override;
+    CmpiCpp::CmpiInstance getInstance() override;
+
+private:
+    std::string _nameSpace;
+    InstanceLog _log;
+    const SasHbaRecord* _hba;
+    std::uint32_t _hbaNumber; // kept from construction
+    std::string _modelText;
+    std::string _slotText;
+};
+
+} // namespace KDV

@@ -1,0 +1,30 @@
+// The end of the SCSI protocol on a host bus adapter. Keyed like a device, by Name instead of DeviceID. Made by
+// population and owned by the collection; reads its record under the provider's lock at each call.
+#pragma once
+
+#include "common/CmpiManagedInstance.h"
+#include "instances/InstanceLog.h"
+#include "logger/Logger.h"
+#include "records/Records.h"
+
+#include <cstdint>
+#include <string>
+
+namespace KDV {
+
+class KDV_SASSCSIProtocolEndpoint final : public CmpiManagedInstance {
+public:
+    KDV_SASSCSIProtocolEndpoint(const Logger& logger, const std::string& nameSpace, const SasHbaRecord* hba);
+    ~KDV_SASSCSIProtocolEndpoint() override;
+
+    CmpiCpp::CmpiObjectPath getPath() const override;
+    CmpiCpp::CmpiInstance getInstance() override;
+
+private:
+    std::string _nameSpace;
+    InstanceLog _log;
+    const SasHbaRecord* _hba;
+    [[maybe_unused]] std::uint32_t _hbaNumber;
+};
+
+} // namespace KDV
