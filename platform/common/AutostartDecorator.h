@@ -12,39 +12,77 @@
 // The decorator itself answers enumeration and getInstance for the auto-start instance's class, which no collection
 // holds, so that a client can find the path on which to call the worker method.
 //
+// A thread can attach to a broker only with a context that was prepared during another call. The decorator takes one
+// from the first operation that it forwards and starts its schedule then; servers make a provider because an operation
+// waits for it. Each pass prepares the context of the next one.
+//
 // cleanup(false) refuses: a server that unloads an idle provider would silently end the alerts. cleanup(true) stops the
 // threads without waiting for a call in flight into the broker and without a call to the broker; it is idempotent.
 #pragma once
 
 #include "common/CmpiManagedInstance.h"
 #include "common/Export.h"
+#include "common/PassClock.h"
 #include "common/ProviderForwarder.h"
 #include "logger/Logger.h"
 
+#include <map>
 #include <memory>
+#include <mutex>
+#include <string>
 
 namespace KDV {
+
+class PassSchedule;
 
 // Makes the decorated provider; throws what its constructor throws.
 using ProviderFactory = CmpiCpp::CmpiProvider* (*)(const CMPIBroker* broker, const Logger& logger);
 
 class KDV_COMMON_API AutostartDecorator : public ProviderForwarder {
 public:
-    // autostart is not owned and must outlive the decorator.
+    // The method that a pass calls.
+    static constexpr const char* workerMethod = "PerformWork";
+
+    // autostart is not owned, must outlive the decorator and answers from any thread. Its instance has the properties
+    // ProviderName and WorkerMethodNameSpace (text), WorkerPollInterval and WorkerPollIntervalStagger (uint16); an
+    // interval of 0 has no passes but requested ones. Without a clock of its own it goes by the machine's.
     AutostartDecorator(const Logger& logger, const CMPIBroker* broker, ProviderFactory factory,
-                       CmpiManagedInstance* autostart);
+                       CmpiManagedInstance* autostart, std::shared_ptr<PassClock> clock = nullptr);
     ~AutostartDecorator() override;
 
     bool cleanup(const CmpiCpp::CmpiContext& context, bool terminating) override;
+    bool unloadOK(const CmpiCpp::CmpiContext& context) override; // not before a terminating cleanup
+
+    void enumInstanceNames(const CmpiCpp::CmpiContext& context, const CmpiCpp::CmpiObjectPath& classPath,
+                           const CmpiCpp::CmpiObjectPathResult& result) override;
+    void enumInstances(const CmpiCpp::CmpiContext& context, const CmpiCpp::CmpiObjectPath& classPath,
+                       const char* const* properties, const CmpiCpp::CmpiInstanceResult& result) override;
+    void getInstance(const CmpiCpp::CmpiContext& context, const CmpiCpp::CmpiObjectPath& path,
+                     const char* const* properties, const CmpiCpp::CmpiInstanceResult& result) override;
+    void invokeMethod(const CmpiCpp::CmpiContext& context, const CmpiCpp::CmpiObjectPath& path,
+                      const CmpiCpp::CmpiName& method, const CmpiCpp::CmpiArgs& arguments,
+                      const CmpiCpp::CmpiMethodResult& result) override;
 
     // Asks for a pass now instead of at the next interval: something in the hardware changed. Any thread, never blocks.
+    // Requests that come before the pass that they led to begins are one.
     static void requestPass() noexcept;
 
+protected:
+    void entering(const CmpiCpp::CmpiContext& context) override;
+
 private:
-    class Schedule;
+    AutostartDecorator(const Logger& logger, const CMPIBroker* broker, std::shared_ptr<CmpiCpp::CmpiProvider> provider,
+                       CmpiManagedInstance* autostart, std::shared_ptr<PassClock> clock);
+
+    enum class Ask { other, above, own };
+    Ask kindOf(const CmpiCpp::CmpiName& className);
+
     Logger _logger;
+    std::shared_ptr<CmpiCpp::CmpiProvider> _decorated;
     CmpiManagedInstance* _autostart;
-    std::shared_ptr<Schedule> _schedule;
+    std::shared_ptr<PassSchedule> _schedule;
+    std::mutex _askedMutex;
+    std::map<std::string, bool> _asked; // is the auto-start instance's class below this one?
 };
 
 } // namespace KDV

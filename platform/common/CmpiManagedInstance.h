@@ -19,7 +19,14 @@
 #include <memory>
 #include <string>
 
+namespace CmpiCpp {
+class CmpiContext;
+}
+
 namespace KDV {
+
+class CollectionIndex;
+struct DeclaredKeySources;
 
 class KDV_COMMON_API CmpiManagedInstance {
 public:
@@ -35,24 +42,23 @@ public:
     virtual const std::string& getClassName() const;
 
     // A hidden instance is served by nothing and is disposed of by the collection's next cleanup.
-    void setVisible(bool visible) noexcept { _visible = visible; }
+    void setVisible(bool visible) noexcept;
     bool isVisible() const noexcept { return _visible; }
 
 protected:
     // The path depends on these bytes, which must stay readable for the life of the object. A class names each field
-    // that its keys read; a field of a record is passed with its size.
+    // that its keys read; a field of a record is passed with its size. Throws std::logic_error once the object was
+    // handed to its collection.
     void keysReadFrom(const void* bytes, std::size_t count);
 
 private:
-    friend class CmpiManagedInstanceCollection;
-    friend struct CollectionEntry;
+    friend class CollectionIndex;
 
-    const std::string* _className; // interned: shared by all objects of the class
+    const std::string* _className;                   // kept once for all objects of the class
+    CollectionIndex* _index = nullptr;               // of the collection that owns the object
+    std::unique_ptr<DeclaredKeySources> _keySources; // until then
+    std::uint32_t _id = 0;                           // in that index
     bool _visible = true;
-    // What the collection keeps with the object; see CollectionIndex.h in the same library.
-    std::uint32_t _entry = 0;
-    struct KeySources;
-    std::unique_ptr<KeySources> _keySources; // given up to the collection when the object is handed over
 };
 
 } // namespace KDV

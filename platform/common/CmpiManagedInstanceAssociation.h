@@ -29,6 +29,9 @@ public:
     const End& secondEnd() const noexcept { return _second; }
 
 protected:
+    // For an association whose path has the two roles with the paths of the ends as its only keys. One that has other
+    // keys declares no ends; the collection then asks it one by one with those like it, as it does with an association
+    // whose end is not in the collection before it.
     void joins(const End& first, const End& second) noexcept;
 
 private:

@@ -21,6 +21,8 @@
 
 namespace KDV {
 
+class CollectionIndex;
+
 class KDV_COMMON_API CmpiManagedInstanceCollection {
 public:
     explicit CmpiManagedInstanceCollection(const Logger& logger);
@@ -28,7 +30,7 @@ public:
     CmpiManagedInstanceCollection& operator=(const CmpiManagedInstanceCollection&) = delete;
     ~CmpiManagedInstanceCollection(); // disposes of associations first, then of instances
 
-    // Takes ownership, also when it throws.
+    // Takes ownership, also when it throws. The same object again, or none, is a std::logic_error.
     void createInstance(CmpiManagedInstance* instance);
 
     // Room for this many objects, known beforehand.
@@ -65,9 +67,8 @@ public:
     std::size_t size() const noexcept;
 
 private:
-    class Index;
     Logger _logger;
-    std::unique_ptr<Index> _index;
+    std::unique_ptr<CollectionIndex> _index;
 };
 
 } // namespace KDV
