@@ -82,16 +82,20 @@ public:
         return true;
     }
 
-    bool parse_error(std::size_t position, const std::string& lastToken, const nlohmann::detail::exception&) override
+    bool parse_error(std::size_t position, const std::string&, const nlohmann::detail::exception& error) override
     {
         const std::string_view before = _text.substr(0, position > 0 ? position - 1 : 0);
         const auto line = std::count(before.begin(), before.end(), '\n') + 1;
         const std::size_t lineStart = before.rfind('\n') + 1; // npos + 1 is 0
         const std::string place =
             "line " + std::to_string(line) + ", column " + std::to_string(before.size() - lineStart + 1);
-        const bool atEnd = position > _text.size();
-        _problems.add(place, atEnd ? "expected more JSON, found the end of the file"
-                                   : "expected JSON, found " + inQuotes(lastToken));
+        constexpr int numberOutOfRange = 406;
+        if (error.id == numberOutOfRange)
+            _problems.add(place, "expected a number of usual size, ending here");
+        else if (before.size() >= _text.size())
+            _problems.add(place, "expected more JSON, found the end of the file");
+        else
+            _problems.add(place, "expected other JSON, found " + inQuotes(_text.substr(before.size(), 1)));
         return false;
     }
 

@@ -1,0 +1,55 @@
+// Plays the fuzzer's corpus and the shipped scenarios, and fixed damages of each, through the fuzzer's entry.
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <random>
+#include <string>
+#include <vector>
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
+
+namespace {
+
+std::vector<std::string> corpus()
+{
+    std::vector<std::string> texts;
+    for (const char* folder : {"/tests/fuzz/scenario/corpus", "/scenarios"}) {
+        for (const auto& entry : std::filesystem::directory_iterator(std::string(KDV_SOURCE_DIR) + folder)) {
+            std::ifstream file(entry.path(), std::ios::binary);
+            texts.emplace_back(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
+        }
+    }
+    return texts;
+}
+
+int runOn(const std::string& text)
+{
+    return LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t*>(text.data()), text.size());
+}
+
+TEST(ScenarioCorpus, EveryFileIsAnswered)
+{
+    const std::vector<std::string> texts = corpus();
+    ASSERT_GE(texts.size(), 10U);
+    for (const std::string& text : texts)
+        EXPECT_EQ(runOn(text), 0);
+}
+
+TEST(ScenarioCorpus, EveryDamagedFileIsAnswered)
+{
+    std::mt19937 random(20240229); // fixed: a failure can be repeated
+    for (const std::string& text : corpus()) {
+        for (int turn = 0; turn < 100; ++turn) {
+            std::string damaged = text.substr(0, 1 + random() % text.size());
+            for (std::uint32_t hits = random() % 4; hits > 0; --hits)
+                damaged[random() % damaged.size()] = static_cast<char>(random());
+            EXPECT_EQ(runOn(damaged), 0);
+            EXPECT_EQ(runOn(text.substr(0, text.size() / 2) + damaged), 0);
+        }
+    }
+}
+
+} // namespace
