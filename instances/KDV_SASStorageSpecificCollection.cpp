@@ -19,7 +19,7 @@ std::uint16_t groupStatus(const SasHbaRecord* hbas)
 {
     operationalStatus worst = OperationalStatusOK;
     for (const SasHbaRecord* hba = hbas; hba; hba = hba->next.get())
-        worst = KDVUtil::updateWorst(worst, static_cast<operationalStatus>(arraySystemStatus[hba->arraySystemStatus]));
+        worst = KDVUtil::updateWorst(worst, operationalStatus{arraySystemStatus[hba->arraySystemStatus]});
     return worst;
 }
 
@@ -28,10 +28,11 @@ const char* statusText(std::uint16_t status)
     switch (status) {
     case OperationalStatus::OK: return "SAS HBA controllers and the attached storage are operating properly.";
     case OperationalStatus::Degraded:
-        return "One or more SAS HBAs, physical drives, logical drives, or storage enclosures are in degraded condition.";
+        return "One or more SAS HBAs, physical drives, logical drives, or storage enclosures are in degraded "
+               "condition.";
     case OperationalStatus::Error:
-        return "One or more SAS HBA failures or logical drive failures have occurred, or one or more storage enclosures "
-               "are in critical condition.";
+        return "One or more SAS HBA failures or logical drive failures have occurred, or one or more storage "
+               "enclosures are in critical condition.";
     default:
         return "One or more SAS HBAs, physical drives, logical drives, or storage enclosures are in unknown condition.";
     }
