@@ -90,6 +90,7 @@ public:
     struct Counters;
     const Tables& tables() const noexcept { return *_tables; }
     Counters& counters() noexcept { return *_counters; }
+    const std::shared_ptr<Counters>& sharedCounters() const noexcept { return _counters; }
     bool faultArmed() const noexcept { return _faultCountdown.load(std::memory_order_relaxed) != 0; }
     CMPIrc takeFault() noexcept; // 0: this call goes well
     const PropertyInfo* undeclaredProperty(std::string_view name, CMPIType type); // lives as long as the broker
@@ -99,7 +100,7 @@ private:
     const ClassRepository& _repository;
     BrokerOptions _options;
     std::unique_ptr<Tables> _tables;
-    std::unique_ptr<Counters> _counters;
+    std::shared_ptr<Counters> _counters;
     std::unique_ptr<Abi> _abi;
     std::atomic<BrokerUpcalls*> _upcalls{nullptr};
     std::atomic<IndicationSink*> _indications{nullptr};

@@ -62,7 +62,6 @@ struct InstanceObject : CMPIInstance {
     std::int32_t previous;  // class index of the property set last
     std::uint16_t* places;  // by class index: place in entries + 1, or 0
     std::uint64_t* filter;  // bit per class index: may be set; null: all may
-    bool filtered;
 
     PropertyWalk properties() const noexcept { return {entries, entryCount}; }
     const PropertyEntry* find(std::string_view name) const noexcept;

@@ -36,7 +36,7 @@ public:
 
 private:
     template <class MI> Outcome make(Broker& broker, const char* symbol, const std::string& name, MI*& table);
-    template <class MI> CMPIStatus end(Broker& broker, bool terminating, MI* table, Outcome& worst);
+    template <class MI> void end(Broker& broker, bool terminating, MI*& table, Outcome& worst);
 
     std::string _file;
     void* _library = nullptr;

@@ -6,11 +6,14 @@
 #include "broker/Broker.h"
 #include "broker/InstanceObject.h"
 #include "broker/NamedValues.h"
+#include "broker/SelectExpObject.h"
 
 #include <array>
+#include <deque>
 #include <memory>
+#include <string>
+#include <string_view>
 #include <thread>
-#include <vector>
 
 namespace KDV::Host {
 
@@ -22,7 +25,8 @@ public:
     RequestScope& operator=(const RequestScope&) = delete;
 
     Broker& broker() const noexcept { return _broker; }
-    // The innermost scope of this thread that belongs to the broker; null if it has none.
+    // The scope of this thread that objects of the broker go to: the innermost one, for Sfcb the outermost (on a thread
+    // without any, one that ends with the thread); null if the thread has none.
     static RequestScope* current(const Broker& broker) noexcept;
 
     // Objects for the host's own use, mostly parameters: a provider that releases them is reported. They live until the
@@ -33,6 +37,8 @@ public:
     InstanceObject& instance(const PathObject& path);
     CMPIString* string(std::string_view text);
     ArrayObject& array(CMPICount size, CMPIType elementType);
+    SelectExpObject& selectExp(std::string_view query, std::string_view language,
+                               std::shared_ptr<const SelectEvaluator> evaluator);
 
     // For the objects of this library.
     BlockPool& blocks() noexcept { return _blocks; }
@@ -53,11 +59,24 @@ public:
         --_live[static_cast<unsigned>(kind)];
         --_liveAll;
     }
-    void keepAlive(std::shared_ptr<const void> object) { _kept.push_back(std::move(object)); }
+    // Until the scope ends; the result points into the scope.
+    const std::shared_ptr<const SelectEvaluator>* keep(std::shared_ptr<const SelectEvaluator> evaluator)
+    {
+        _evaluators.push_back(std::move(evaluator));
+        return &_evaluators.back();
+    }
 
 private:
+    struct ThreadScopes;
+    struct OfThread {};
+    RequestScope(Broker& broker, OfThread); // not in the thread's chain
+    static ThreadScopes& threadScopes() noexcept;
+    static RequestScope* threadScope(Broker& broker);
+
     Broker& _broker;
-    RequestScope* _outer; // the thread's scope before this one
+    std::shared_ptr<Broker::Counters> _counters; // a thread's own scope may outlive the broker
+    RequestScope* _outer = nullptr;              // the thread's scope before this one
+    bool _chained = true;
     std::thread::id _thread;
     std::string _nameSpace;
     BlockPool _blocks;
@@ -67,11 +86,10 @@ private:
     std::uint64_t _liveAll = 0;
     std::uint64_t _maxLiveAll = 0;
     // The class looked up last: providers make many objects of one class in a row.
-    std::string_view _lastNameSpaceText;
+    std::string _lastNameSpaceText;
     const Namespace* _lastNameSpace = nullptr;
     const ClassInfo* _lastClass = nullptr;
-    std::string _lastNameSpaceStore;
-    std::vector<std::shared_ptr<const void>> _kept;
+    std::deque<std::shared_ptr<const SelectEvaluator>> _evaluators;
 };
 
 } // namespace KDV::Host

@@ -1,0 +1,281 @@
+#include "broker/ObjectMaking.h"
+
+#include "broker/Counters.h"
+
+#include <cstring>
+
+namespace KDV::Host {
+
+Placement Placement::own(Broker& broker, RequestScope* scope, ObjectKind kind, std::size_t size)
+{
+    if (!scope) {
+        Memory* memory = Memory::create(nullptr, size);
+        ++broker.counters().liveClones;
+        return {memory, &broker, nullptr, ObjectState::Clone};
+    }
+    Memory* memory = Memory::create(&scope->blocks(), size);
+    scope->count(kind);
+    return {memory, &broker, scope, ObjectState::Live};
+}
+
+CMPIData nullData(CMPIType type) noexcept
+{
+    CMPIData data{};
+    data.type = type == CMPI_chars ? CMPI_string : type == CMPI_charsA ? CMPI_stringA : type;
+    data.state = CMPI_nullValue;
+    return data;
+}
+
+StringObject* makeString(const Placement& at, std::string_view text, bool null)
+{
+    auto* object = place<StringObject>(at, ObjectKind::String, at.broker->tables().string.get(), text.size() + 1);
+    object->length = static_cast<std::uint32_t>(text.size());
+    object->isNull = null;
+    auto* chars = reinterpret_cast<char*>(object + 1);
+    std::memcpy(chars, text.data(), text.size());
+    chars[text.size()] = '\0';
+    return object;
+}
+
+ArrayObject* makeArray(const Placement& at, CMPICount size, CMPIType elementType, bool growable)
+{
+    auto* object = place<ArrayObject>(at, ObjectKind::Array, &at.broker->tables().array);
+    object->memory = at.memory;
+    object->elementType = elementType;
+    object->growable = growable;
+    object->size = size;
+    object->capacity = size;
+    object->elements = at.memory->array<CMPIData>(size);
+    for (CMPICount i = 0; i < size; ++i)
+        object->elements[i] = nullData(elementType);
+    return object;
+}
+
+DateTimeObject* makeDateTime(const Placement& at, const char* text25)
+{
+    auto* object = place<DateTimeObject>(at, ObjectKind::DateTime, &at.broker->tables().dateTime);
+    object->memory = at.memory;
+    object->lentText = nullptr;
+    std::memcpy(object->text, text25, 25);
+    object->text[25] = '\0';
+    return object;
+}
+
+ArgsObject* makeArgs(const Placement& at)
+{
+    auto* object = place<ArgsObject>(at, ObjectKind::Args, &at.broker->tables().args);
+    object->memory = at.memory;
+    object->values = {nullptr, 0, 0};
+    return object;
+}
+
+ContextObject* makeContext(const Placement& at)
+{
+    auto* object = place<ContextObject>(at, ObjectKind::Context, &at.broker->tables().context);
+    object->memory = at.memory;
+    object->values = {nullptr, 0, 0};
+    object->attached = nullptr;
+    return object;
+}
+
+EnumerationObject* makeEnumeration(const Placement& at)
+{
+    auto* object = place<EnumerationObject>(at, ObjectKind::Enumeration, &at.broker->tables().enumeration);
+    object->memory = at.memory;
+    object->elements = nullptr;
+    object->count = object->capacity = object->next = 0;
+    return object;
+}
+
+SelectExpObject* makeSelectExp(const Placement& at, std::string_view query, std::string_view language,
+                               const std::shared_ptr<const SelectEvaluator>* evaluator)
+{
+    auto* object = place<SelectExpObject>(at, ObjectKind::SelectExp, &at.broker->tables().selectExp);
+    object->memory = at.memory;
+    object->query = makeString(Placement::inside(object->head, at.memory), query);
+    object->language = makeString(Placement::inside(object->head, at.memory), language);
+    object->evaluator = evaluator;
+    return object;
+}
+
+StringObject* copyOf(const Placement& at, const StringObject& from) { return makeString(at, from.text(), from.isNull); }
+
+ArrayObject* copyOf(const Placement& at, const ArrayObject& from)
+{
+    ArrayObject* object = makeArray(at, from.size, from.elementType, false);
+    const Placement inside = Placement::inside(object->head, at.memory);
+    for (CMPICount i = 0; i < from.size; ++i)
+        object->elements[i] = copyData(inside, from.elements[i]);
+    return object;
+}
+
+DateTimeObject* copyOf(const Placement& at, const DateTimeObject& from) { return makeDateTime(at, from.text); }
+
+ArgsObject* copyOf(const Placement& at, const ArgsObject& from)
+{
+    ArgsObject* object = makeArgs(at);
+    const Placement inside = Placement::inside(object->head, at.memory);
+    for (const NamedValue& value : from.values)
+        setNamed(object->values, inside, value.name->text(), copyData(inside, value.data));
+    return object;
+}
+
+ContextObject* copyOf(const Placement& at, const ContextObject& from)
+{
+    ContextObject* object = makeContext(at);
+    const Placement inside = Placement::inside(object->head, at.memory);
+    for (const NamedValue& value : from.values)
+        setNamed(object->values, inside, value.name->text(), copyData(inside, value.data));
+    return object;
+}
+
+EnumerationObject* copyOf(const Placement& at, const EnumerationObject& from)
+{
+    EnumerationObject* object = makeEnumeration(at);
+    const Placement inside = Placement::inside(object->head, at.memory);
+    for (CMPICount i = 0; i < from.count; ++i)
+        object->append(copyData(inside, from.elements[i]));
+    object->next = from.next;
+    return object;
+}
+
+void EnumerationObject::append(const CMPIData& data)
+{
+    if (count == capacity) {
+        capacity = capacity ? capacity * 2 : 16;
+        auto* grown = memory->array<CMPIData>(capacity);
+        if (count)
+            std::memcpy(static_cast<void*>(grown), elements, count * sizeof(CMPIData));
+        elements = grown;
+    }
+    elements[count++] = data;
+}
+
+CMPIValue readScalar(const CMPIValue* value, CMPIType type)
+{
+    CMPIValue result{};
+    switch (type) {
+    case CMPI_boolean:
+    case CMPI_uint8:
+    case CMPI_sint8:
+        std::memcpy(&result, value, 1);
+        break;
+    case CMPI_char16:
+    case CMPI_uint16:
+    case CMPI_sint16:
+        std::memcpy(&result, value, 2);
+        break;
+    case CMPI_uint32:
+    case CMPI_sint32:
+    case CMPI_real32:
+        std::memcpy(&result, value, 4);
+        break;
+    default:
+        std::memcpy(&result, value, 8);
+    }
+    return result;
+}
+
+namespace {
+
+// Copies the object that a value points to; false for types that no property or argument can hold.
+bool copyObject(const Placement& inside, const CMPIValue& from, CMPIType type, CMPIData& data)
+{
+    const auto used = [&](const ObjectHead& head) {
+        if (head.state != ObjectState::Released)
+            return true;
+        ++inside.broker->counters().usesAfterRelease;
+        return false;
+    };
+    const auto copy = [&](const auto* abi, auto& target, auto* kind) {
+        using Object = std::remove_pointer_t<decltype(kind)>;
+        const auto* object = static_cast<const Object*>(abi);
+        if (!object || !used(object->head)) {
+            data.state = CMPI_nullValue;
+            return;
+        }
+        target = copyOf(inside, *object);
+    };
+    if (type & CMPI_ARRAY) {
+        copy(from.array, data.value.array, static_cast<ArrayObject*>(nullptr));
+        return true;
+    }
+    switch (type) {
+    case CMPI_string:
+        copy(from.string, data.value.string, static_cast<StringObject*>(nullptr));
+        if (data.state == CMPI_goodValue && StringObject::of(data.value.string).isNull)
+            data.state = CMPI_nullValue;
+        return true;
+    case CMPI_dateTime:
+        copy(from.dateTime, data.value.dateTime, static_cast<DateTimeObject*>(nullptr));
+        return true;
+    case CMPI_ref:
+        copy(from.ref, data.value.ref, static_cast<PathObject*>(nullptr));
+        return true;
+    case CMPI_instance:
+        copy(from.inst, data.value.inst, static_cast<InstanceObject*>(nullptr));
+        return true;
+    default:
+        return false;
+    }
+}
+
+bool isScalar(CMPIType type)
+{
+    return type == CMPI_boolean || type == CMPI_char16 || type == CMPI_real32 || type == CMPI_real64 ||
+           (type >= CMPI_uint8 && type <= CMPI_sint64 && (type & 0xf) == 0 && (type & 0x80));
+}
+
+} // namespace
+
+bool copyValue(const Placement& inside, const CMPIValue* value, CMPIType type, CMPIData& data)
+{
+    data = nullData(type);
+    if (!value)
+        return true;
+    data.state = CMPI_goodValue;
+    if (isScalar(type)) {
+        data.value = readScalar(value, type);
+        return true;
+    }
+    if (type == CMPI_chars) {
+        // The text itself stands in the place of the value.
+        data.value.string = makeString(inside, reinterpret_cast<const char*>(value));
+        return true;
+    }
+    return copyObject(inside, *value, data.type, data);
+}
+
+CMPIData copyData(const Placement& inside, const CMPIData& data)
+{
+    CMPIData copy = data;
+    if (!isNull(data) && !isScalar(data.type) && !copyObject(inside, data.value, data.type, copy))
+        copy.state = CMPI_nullValue;
+    return copy;
+}
+
+CMPIData schemaData(const Placement& inside, const SchemaValue& value)
+{
+    CMPIData data = nullData(value.type);
+    if (value.isNull)
+        return data;
+    data.state = CMPI_goodValue;
+    if (value.isArray()) {
+        const auto elementType = static_cast<CMPIType>(value.type & ~CMPI_ARRAY);
+        ArrayObject* array = makeArray(inside, static_cast<CMPICount>(value.elements.size()), elementType, false);
+        for (std::size_t i = 0; i < value.elements.size(); ++i)
+            array->elements[i] = schemaData(inside, value.elements[i]);
+        data.value.array = array;
+    } else if (value.type == CMPI_string) {
+        data.value.string = makeString(inside, value.text);
+    } else if (value.type == CMPI_dateTime) {
+        data.value.dateTime = makeDateTime(inside, value.text.c_str());
+    } else if (isScalar(value.type)) {
+        data.value = value.number;
+    } else {
+        data.state = CMPI_nullValue; // references have no defaults that a broker could use
+    }
+    return data;
+}
+
+} // namespace KDV::Host
