@@ -25,6 +25,9 @@ public:
     CmpiObjectPath& operator=(CmpiObjectPath other) noexcept;
     ~CmpiObjectPath();
 
+    // A clone, to keep: what a factory made ends with the call, and a move would only carry it on.
+    CmpiObjectPath copy() const { return *this; }
+
     bool empty() const; // no class: the answer "not associated"
     std::string getClassName() const;
     std::string getNameSpace() const;
