@@ -21,68 +21,93 @@ constexpr int noEvent = -1;
 int controllerEvent(std::uint8_t status)
 {
     switch (status) {
-    case 2: return 1;
-    case 3: return 2;
-    default: return noEvent;
+    case 2:
+        return 1;
+    case 3:
+        return 2;
+    default:
+        return noEvent;
     }
 }
 
 int logicalDriveEvent(std::uint8_t redundancyState)
 {
     switch (redundancyState) {
-    case 2: return 101;
+    case 2:
+        return 101;
     case 5:
-    case 6: return 102;
+    case 6:
+        return 102;
     case 3: // redundancy lost and rebuilding are one event
-    case 4: return 103;
-    default: return noEvent;
+    case 4:
+        return 103;
+    default:
+        return noEvent;
     }
 }
 
 int physicalDriveEvent(std::uint8_t status)
 {
     switch (status) {
-    case 2: return 201;
+    case 2:
+        return 201;
     case 4:
     case 5:
     case 6:
     case 7:
     case 8:
-    case 9: return 202;
-    case 3: return 204; // nothing raises 203
-    case 10: return 401;
-    case 12: return 402;
-    default: return noEvent;
+    case 9:
+        return 202;
+    case 3:
+        return 204; // nothing raises 203
+    case 10:
+        return 401;
+    case 12:
+        return 402;
+    default:
+        return noEvent;
     }
 }
 
 int powerSupplyEvent(std::uint8_t status)
 {
     switch (status) {
-    case 5: return 301;
-    case 2: return 302;
-    case 3: return 303;
-    default: return noEvent;
+    case 5:
+        return 301;
+    case 2:
+        return 302;
+    case 3:
+        return 303;
+    default:
+        return noEvent;
     }
 }
 
 int fanEvent(std::uint8_t status)
 {
     switch (status) {
-    case 2: return 304;
-    case 5: return 305;
-    case 3: return 306;
-    default: return noEvent;
+    case 2:
+        return 304;
+    case 5:
+        return 305;
+    case 3:
+        return 306;
+    default:
+        return noEvent;
     }
 }
 
 int temperatureEvent(std::uint8_t status)
 {
     switch (status) {
-    case 2: return 307;
-    case 3: return 308;
-    case 4: return 309;
-    default: return noEvent;
+    case 2:
+        return 307;
+    case 3:
+        return 308;
+    case 4:
+        return 309;
+    default:
+        return noEvent;
     }
 }
 
@@ -97,8 +122,7 @@ CmpiArray textArray(const std::vector<std::string>& texts)
 void addVariables(CmpiInstance& instance, const AlertVariables& vars)
 {
     instance.addProperty("VariableNames", textArray(vars.names));
-    CmpiArray types =
-        makeCmpiArray(KDVUtil::getBroker(), static_cast<CMPICount>(vars.types.size()), CMPI_uint16);
+    CmpiArray types = makeCmpiArray(KDVUtil::getBroker(), static_cast<CMPICount>(vars.types.size()), CMPI_uint16);
     for (std::size_t i = 0; i < vars.types.size(); ++i)
         types.setElementAt(static_cast<CMPICount>(i), vars.types[i]);
     instance.addProperty("VariableTypes", types);
@@ -131,8 +155,7 @@ void KDV_SASIndication::sendControllerIndication(const SasHba& hba, const CmpiCo
 {
     const SasHbaRecord& record = *hba.record;
     const int event = controllerEvent(record.controllerStatus);
-    if (event == noEvent || !hba.arrayController)
-        return;
+    if (event == noEvent || !hba.arrayController) return;
     const AlertHardwareInfo hw{std::string(textOf(record.firmwareVersion)), std::string(textOf(record.logicalLocation)),
                                "ZT", std::string(textOf(record.name)), controllerModelText(record.modelCode)};
     _logger.info("Sent controller indication: %d", event); // "Sent", before it is
@@ -147,8 +170,7 @@ void KDV_SASIndication::sendLogicalDriveIndication(const SasLogicalDrive& drive,
         _logger.info("unsupport logical drive indication: status %d", state);
         return;
     }
-    if (!drive.storageVolume)
-        return;
+    if (!drive.storageVolume) return;
     _logger.info("Send logical drive indication: %d", event);
     sendIndication(event, *drive.storageVolume, nullptr, nullptr, context);
 }
@@ -161,8 +183,7 @@ void KDV_SASIndication::sendPhysicalDriveIndication(const SasPhysicalDrive& driv
         _logger.info("unsupported physical drive indication: status %d", record.status);
         return;
     }
-    if (!drive.diskDrive)
-        return;
+    if (!drive.diskDrive) return;
     const VendorModel product = splitVendorModel(textOf(record.inquiry));
     const AlertHardwareInfo hw{std::string(textOf(record.firmwareRevision)), std::string(textOf(record.location)),
                                std::string(product.vendor), std::string(textOf(record.serialNumber)),
@@ -182,18 +203,18 @@ void KDV_SASIndication::sendStorageBoxIndication(const SasStorageBox& box, const
         break;
     case StorageBoxElement::Fan:
         event = fanEvent(record.fanStatus);
-        if (event == noEvent)
-            _logger.info("unsupported enclosure fan indication: status %d", record.fanStatus);
+        if (event == noEvent) _logger.info("unsupported enclosure fan indication: status %d", record.fanStatus);
         break;
     case StorageBoxElement::TemperatureSensor:
         event = temperatureEvent(record.temperatureStatus);
         if (event == noEvent)
             _logger.info("unsupported enclosure temp sensor indication: status %d", record.temperatureStatus);
         break;
-    default: _logger.info("unsupported enclosure indicationt type: %d", element); break;
+    default:
+        _logger.info("unsupported enclosure indicationt type: %d", element);
+        break;
     }
-    if (event == noEvent || !box.enclosureProcessor)
-        return;
+    if (event == noEvent || !box.enclosureProcessor) return;
     const AlertHardwareInfo hw{"", std::string(textOf(record.name)), "", std::string(textOf(record.serialNumber)),
                                std::string(textOf(record.model))};
     _logger.info("Send storage enclosure indication: %d", event);
@@ -223,12 +244,10 @@ void KDV_SASIndication::sendIndication(int eventId, const CmpiManagedInstance& e
     alert.setProbableCause(record.probableCause);
     alert.setProbableCauseDescription(record.probableCauseDescription);
     alert.setNetworkIPAddress(context);
-    if (hw)
-        setHardware(alert, *hw);
+    if (hw) setHardware(alert, *hw);
     alert.setMessage(record.owningEntity, record.messageId, {elementPath, hw ? hw->logicalLocation : std::string()});
     CmpiInstance instance = alert.getInstance();
-    if (vars)
-        addVariables(instance, *vars);
+    if (vars) addVariables(instance, *vars);
     const CmpiStatus status =
         CmpiMBService(KDVUtil::getBroker(), _logger).deliverIndication(context, _nameSpace, instance);
     if (status.code() != CMPI_RC_OK)

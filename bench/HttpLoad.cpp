@@ -19,10 +19,7 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-double secondsSince(Clock::time_point start)
-{
-    return std::chrono::duration<double>(Clock::now() - start).count();
-}
+double secondsSince(Clock::time_point start) { return std::chrono::duration<double>(Clock::now() - start).count(); }
 
 // Reads one HTTP reply at a time, with a length or in chunks.
 class Connection {
@@ -47,8 +44,7 @@ public:
     {
         for (std::size_t at = 0; at < bytes.size();) {
             const ssize_t n = ::send(_socket, bytes.data() + at, bytes.size() - at, MSG_NOSIGNAL);
-            if (n <= 0)
-                throw std::runtime_error("the server does not take the request");
+            if (n <= 0) throw std::runtime_error("the server does not take the request");
             at += static_cast<std::size_t>(n);
         }
     }
@@ -64,11 +60,9 @@ public:
             head += static_cast<char>(next());
         if (head.compare(0, 12, "HTTP/1.1 200") != 0)
             throw std::runtime_error("the server answers " + head.substr(0, head.find('\r')));
-        if (strcasestr(head.c_str(), "transfer-encoding: chunked"))
-            return chunks(body);
+        if (strcasestr(head.c_str(), "transfer-encoding: chunked")) return chunks(body);
         const char* length = strcasestr(head.c_str(), "content-length:");
-        if (!length)
-            throw std::runtime_error("a reply without a length");
+        if (!length) throw std::runtime_error("a reply without a length");
         const std::uint64_t count = std::strtoull(length + 15, nullptr, 10);
         take(count, body);
         return count;
@@ -78,25 +72,21 @@ private:
     void fill()
     {
         const ssize_t n = ::recv(_socket, _buffer.data(), _buffer.size(), 0);
-        if (n <= 0)
-            throw std::runtime_error("the server closed the connection");
+        if (n <= 0) throw std::runtime_error("the server closed the connection");
         _begin = 0;
         _end = static_cast<std::size_t>(n);
     }
     unsigned char next()
     {
-        if (_begin == _end)
-            fill();
+        if (_begin == _end) fill();
         return static_cast<unsigned char>(_buffer[_begin++]);
     }
     void take(std::uint64_t count, std::string* body)
     {
         while (count > 0) {
-            if (_begin == _end)
-                fill();
+            if (_begin == _end) fill();
             const std::size_t n = std::min<std::uint64_t>(count, _end - _begin);
-            if (body)
-                body->append(_buffer.data() + _begin, n);
+            if (body) body->append(_buffer.data() + _begin, n);
             _begin += n;
             count -= n;
         }
@@ -111,8 +101,7 @@ private:
             const std::uint64_t size = std::strtoull(line.c_str(), nullptr, 16);
             take(size, body);
             total += size;
-            if (size == 0)
-                break;
+            if (size == 0) break;
             next(); // CR
             next(); // LF
         }
@@ -217,8 +206,7 @@ try {
     connection.send(request("EnumerateInstanceNames", className("KDV_SASDiskDrive")));
     connection.reply(Clock::now(), firstByte, &names);
     const std::uint64_t disks = occurrences(names, "<INSTANCENAME ");
-    if (disks == 0)
-        throw std::runtime_error("the server has no KDV_SASDiskDrive");
+    if (disks == 0) throw std::runtime_error("the server has no KDV_SASDiskDrive");
 
     std::vector<std::string> gets;
     std::vector<std::string> hops;

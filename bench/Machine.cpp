@@ -46,8 +46,7 @@ private:
             const ArrayObject& array = ArrayObject::of(entry.value.array);
             for (CMPICount i = 0; i < array.size(); ++i) {
                 ready.elements.push_back(array.at(i).value);
-                if ((entry.type & ~CMPI_ARRAY) == CMPI_string)
-                    ready.texts.emplace_back(textOf(array.at(i).value));
+                if ((entry.type & ~CMPI_ARRAY) == CMPI_string) ready.texts.emplace_back(textOf(array.at(i).value));
             }
         }
         _properties.push_back(std::move(ready));
@@ -124,8 +123,7 @@ Machine::Machine()
     const auto start = std::chrono::steady_clock::now();
     const Outcome made = _module.create(_broker, "KDVSASHBA");
     _populateSeconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-    if (made.rc != CMPI_RC_OK)
-        throw std::runtime_error("the provider was not made: " + made.message);
+    if (made.rc != CMPI_RC_OK) throw std::runtime_error("the provider was not made: " + made.message);
 
     RequestScope scope(_broker, nameSpace);
     LearningSink sink(_diskKeys, _diskProperties);

@@ -1,5 +1,5 @@
-// The provider on a generated machine, inside this process: the library loaded through its entry points, a broker of the
-// host as its server. One for the process, because the provider is one for the process. Used by one thread.
+// The provider on a generated machine, inside this process: the library loaded through its entry points, a broker of
+// the host as its server. One for the process, because the provider is one for the process. Used by one thread.
 #pragma once
 
 #include "broker/Broker.h"

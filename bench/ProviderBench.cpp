@@ -3,7 +3,6 @@
 #include "Machine.h"
 
 #include <benchmark/benchmark.h>
-
 #include <cstdio>
 #include <exception>
 
@@ -11,7 +10,10 @@ using KDV::Bench::Machine;
 
 namespace {
 
-void perItem(benchmark::State& state, std::uint64_t items) { state.SetItemsProcessed(static_cast<std::int64_t>(items)); }
+void perItem(benchmark::State& state, std::uint64_t items)
+{
+    state.SetItemsProcessed(static_cast<std::int64_t>(items));
+}
 
 void EnumerateDisks(benchmark::State& state)
 {
