@@ -6,10 +6,10 @@
 #include <cstddef>
 #include <type_traits>
 
-#define KDV_ABI_TYPE(type, size, alignment)                                                                           \
+#define KDV_ABI_TYPE(type, size, alignment)                                                                            \
     static_assert(sizeof(type) == (size) && __alignof__(type) == (alignment), #type " has another size or alignment")
-#define KDV_ABI_MEMBER(type, member, offset, size)                                                                    \
-    static_assert(offsetof(type, member) == (offset) && sizeof(type::member) == (size),                               \
+#define KDV_ABI_MEMBER(type, member, offset, size)                                                                     \
+    static_assert(offsetof(type, member) == (offset) && sizeof(type::member) == (size),                                \
                   #type "." #member " lies elsewhere")
 #define KDV_ABI_NUMBER(name, value) static_assert((name) == (value), #name " has another value")
 
