@@ -24,6 +24,8 @@ struct SyslogLine {
 };
 std::vector<SyslogLine> syslogLines;
 
+void keepSyslogLine(int priority, const char* format, std::va_list arguments) __attribute__((format(printf, 2, 0)));
+
 void keepSyslogLine(int priority, const char* format, std::va_list arguments)
 {
     char text[4096];
