@@ -142,7 +142,8 @@ void* Memory::allocateSlow(std::size_t size)
 std::string_view Memory::copy(std::string_view text)
 {
     auto* at = static_cast<char*>(allocate(text.size() + 1));
-    std::memcpy(at, text.data(), text.size());
+    if (!text.empty())
+        std::memcpy(at, text.data(), text.size());
     at[text.size()] = '\0';
     return {at, text.size()};
 }

@@ -32,7 +32,8 @@ StringObject* makeString(const Placement& at, std::string_view text, bool null)
     object->length = static_cast<std::uint32_t>(text.size());
     object->isNull = null;
     auto* chars = reinterpret_cast<char*>(object + 1);
-    std::memcpy(chars, text.data(), text.size());
+    if (!text.empty()) // a null pointer must not reach memcpy, not even with a size of 0
+        std::memcpy(chars, text.data(), text.size());
     chars[text.size()] = '\0';
     return object;
 }
