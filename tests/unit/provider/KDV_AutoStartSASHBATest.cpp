@@ -17,7 +17,10 @@ using namespace Host;
 
 class KDV_AutoStart : public testing::TestWithParam<Profile> {
 protected:
-    KDV_AutoStart() : broker(schema(), {GetParam(), true}), scope(broker, "root/vnr") { KDVUtil::setBroker(broker.cmpi()); }
+    KDV_AutoStart() : broker(schema(), {GetParam(), true}), scope(broker, "root/vnr")
+    {
+        KDVUtil::setBroker(broker.cmpi());
+    }
 
     LogCapture log;
     Broker broker;

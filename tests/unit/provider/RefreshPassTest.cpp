@@ -120,7 +120,8 @@ TEST_P(Pass, DoesNotReadALocationBeyondItsField)
     makeProvider();
     SasPhysicalDriveRecord& added = machine.addDrive(hba, 2, unassignedUsage);
     std::memset(added.hotPlugLocation, 'x', sizeof added.hotPlugLocation);
-    EXPECT_EQ(pass().at(1), "KDVSASHBA Disk hotplug -- add a new disk: host 1 disk 2 location " + std::string(128, 'x'));
+    const std::string whole(sizeof added.hotPlugLocation, 'x');
+    EXPECT_EQ(pass().at(1), "KDVSASHBA Disk hotplug -- add a new disk: host 1 disk 2 location " + whole);
 }
 
 TEST_P(Pass, LinksANewMemberAsTheRecordsSayNow)

@@ -80,7 +80,8 @@ SasLogicalDriveRecord& TestMachine::addVolume(SasHbaRecord& hba, std::uint32_t n
     volume->redundancyState = 2;
     put(volume->osName, "/dev/sda");
     volume->memberCount = static_cast<std::uint32_t>(members.size());
-    std::memcpy(volume->members, members.data(), members.size() * sizeof(std::uint32_t));
+    if (!members.empty())
+        std::memcpy(volume->members, members.data(), members.size() * sizeof(std::uint32_t));
     volume->spareCount = static_cast<std::uint32_t>(spares.size());
     if (!spares.empty())
         std::memcpy(volume->spares, spares.data(), spares.size() * sizeof(std::uint32_t));
