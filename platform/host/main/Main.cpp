@@ -27,7 +27,7 @@ void declare(CLI::App& app, Arguments& arguments)
     app.set_version_flag("--version", "kdv-cimhost " KDV_VERSION);
     app.add_option("--listen", arguments.listen, "where to listen, ADDRESS:PORT; may be given several times")
         ->capture_default_str();
-    app.add_option("--port-file", arguments.portFile, "write each ADDRESS:PORT that is listened at, a line each");
+    app.add_option("--port-file", arguments.portFile, "write the port of each address that is listened at, a line each");
     app.add_option("--schema-dir", arguments.schemaDirectory, "folder with kdv-sas.reg, kdv-sas.mof and core/")
         ->capture_default_str();
     app.add_option("--provider-dir", arguments.providerDirectory, "folder with the provider libraries")
@@ -55,7 +55,7 @@ void writePortFile(const std::string& name, const std::vector<Endpoint>& endpoin
     const std::string unfinished = name + ".new";
     std::ofstream file(unfinished);
     for (const Endpoint& endpoint : endpoints)
-        file << hostPort(endpoint) << '\n';
+        file << endpoint.port << '\n';
     file.close();
     if (!file || std::rename(unfinished.c_str(), name.c_str()) != 0)
         throw std::runtime_error("cannot write " + name);

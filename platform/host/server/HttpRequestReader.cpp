@@ -97,6 +97,9 @@ void HttpRequestReader::checkHead() const
     const auto codings = message.count(http::field::transfer_encoding);
     if (lengths > 1 || codings > 1 || (lengths && codings))
         throw HttpError(400, "the length of the body is given more than once");
+    // The parser takes a list of equal lengths for one.
+    if (lengths && view(message[http::field::content_length]).find_first_not_of("0123456789") != std::string_view::npos)
+        throw HttpError(400, "Content-Length must be one number");
     if (codings && message.version() == 10)
         throw HttpError(400, "HTTP/1.0 has no transfer codings");
     if (codings && !sameName(view(message[http::field::transfer_encoding]), "chunked"))

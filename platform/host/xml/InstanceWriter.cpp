@@ -4,6 +4,20 @@
 
 namespace KDV::Host {
 
+namespace {
+
+// An array of nothing but NULL, or of nothing at all. It goes out as NULL: clients index the first element of an array
+// without looking whether there is one.
+bool hasNothing(const ArrayObject& array)
+{
+    for (const CMPIData& element : array)
+        if (!isNull(element))
+            return false;
+    return true;
+}
+
+} // namespace
+
 bool PropertySelection::has(const ClassInfo* classInfo, const PropertyInfo& property)
 {
     if (_all)
@@ -94,9 +108,10 @@ void InstanceWriter::property(const InstanceObject& instance, const PropertyEntr
                               const ClassFragments* fragments)
 {
     const PropertyInfo& info = *entry.property;
+    const bool null = entry.isNull() || ((entry.type & CMPI_ARRAY) && hasNothing(ArrayObject::of(entry.value.array)));
     if (fragments && info.index >= 0) {
         const PropertyFragments& fragment = fragments->properties[static_cast<std::size_t>(info.index)];
-        if (entry.isNull())
+        if (null && entry.type == fragment.type)
             return _out.append(fragment.null);
         if (entry.type == fragment.type) {
             _out.append(fragment.open);
@@ -108,7 +123,7 @@ void InstanceWriter::property(const InstanceObject& instance, const PropertyEntr
                                     : info.origin        ? std::string_view(info.origin->name())
                                     : instance.classInfo ? std::string_view(instance.classInfo->name())
                                                          : instance.path->className;
-    if (entry.isNull())
+    if (null)
         return _out.append(propertyNull(info.name, origin, entry.type));
     _out.append(propertyOpen(info.name, origin, entry.type));
     propertyBody(entry.type, entry.value);
@@ -127,10 +142,9 @@ void InstanceWriter::propertyBody(CMPIType type, const CMPIValue& value)
 void InstanceWriter::array(const ArrayObject& array)
 {
     for (const CMPIData& element : array) {
-        if (isNull(element)) {
-            _out.append("<VALUE.NULL/>");
+        // There is VALUE.NULL, but clients as common as wbemcli give up on the whole reply when they meet it.
+        if (isNull(element))
             continue;
-        }
         if (array.elementType == CMPI_ref) {
             _out.append("<VALUE.REFERENCE>");
             referencedPath(PathObject::of(element.value.ref));
