@@ -15,7 +15,7 @@
 //   later drive.status 3                 the field changes after the object was made: read at each call, or kept
 //     same
 //
-// "when" and "later" lines that follow each other make one case. "#" starts a comment line. Texts are quoted with \" and
+//   later drive.status 3                 the field changes after the object was made: read at each call, or kept
 // \\; one as long as its field fills it without a NUL. Throws std::runtime_error with file and line.
 #pragma once
 
