@@ -112,6 +112,19 @@ private:
         return instance;
     }
 
+    // The same for an instance that goes when the disk is pulled, if the disk is one that can be pulled.
+    template <class Instance, class... Arguments>
+    Instance* publishFor(SasPhysicalDrive& drive, Arguments&&... arguments)
+    {
+        if (drive.hotPlugTracked)
+            drive.trackedInstances.reserve(trackedInstancesOfADrive);
+        auto* instance = publish<Instance>(std::forward<Arguments>(arguments)...);
+        if (drive.hotPlugTracked)
+            drive.trackedInstances.push_back(instance);
+        return instance;
+    }
+    static constexpr std::size_t trackedInstancesOfADrive = 12;
+
     std::unique_ptr<DeviceObjects> _devices; // first, so that it outlasts the instances, which point at devices
     Logger _logger;
     CmpiManagedInstanceCollection _collection;

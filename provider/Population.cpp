@@ -258,32 +258,26 @@ void KDVSASHBAProvider::_createPhyDrvInstances(SasHba& hba, SasPhysicalDrive& dr
                  static_cast<int>(hba.record->hbaNumber), static_cast<int>(record->driveNumber),
                  static_cast<int>(boxNumber));
 
-    auto* diskDrive = publish<KDV_SASDiskDrive>(hba.record, record);
+    auto* diskDrive = publishFor<KDV_SASDiskDrive>(drive, hba.record, record);
     drive.diskDrive = diskDrive;
-    auto* extent = publish<KDV_SASStorageExtent>(hba.record, &drive);
-    auto* firmware = publish<KDV_SASDiskDriveFirmware>(record);
-    auto* package = publish<KDV_SASDiskPhysicalPackage>(hba.record, record);
-    auto* location = publish<KDV_SASDiskDriveLocation>(record);
-    std::vector<CmpiManagedInstance*> made{
-        diskDrive, extent, firmware, package, location,
-        publish<KDV_SASArraySystemDiskDrive>(hba.arraySystem, diskDrive),
-        publish<KDV_SASArraySystemStorageExtent>(hba.arraySystem, extent),
-        publish<KDV_SASDiskDriveDiskDriveFirmware>(firmware, diskDrive),
-        publish<KDV_SASDiskPhysicalPackageDiskDrive>(package, diskDrive),
-        publish<KDV_SASDiskPhysicalPackageDiskDriveLocation>(package, location)};
+    auto* extent = publishFor<KDV_SASStorageExtent>(drive, hba.record, &drive);
+    auto* firmware = publishFor<KDV_SASDiskDriveFirmware>(drive, record);
+    auto* package = publishFor<KDV_SASDiskPhysicalPackage>(drive, hba.record, record);
+    auto* location = publishFor<KDV_SASDiskDriveLocation>(drive, record);
+    publishFor<KDV_SASArraySystemDiskDrive>(drive, hba.arraySystem, diskDrive);
+    publishFor<KDV_SASArraySystemStorageExtent>(drive, hba.arraySystem, extent);
+    publishFor<KDV_SASDiskDriveDiskDriveFirmware>(drive, firmware, diskDrive);
+    publishFor<KDV_SASDiskPhysicalPackageDiskDrive>(drive, package, diskDrive);
+    publishFor<KDV_SASDiskPhysicalPackageDiskDriveLocation>(drive, package, location);
 
     if (drive.hotPlugTracked)
-        made.push_back(publish<KDV_SASPrimordialPoolNoRaidStorageExtent>(hba.primordialPoolNoRaid, extent));
+        publishFor<KDV_SASPrimordialPoolNoRaidStorageExtent>(drive, hba.primordialPoolNoRaid, extent);
     else
         _createPoolAndVolumeLinks(hba, *record, extent, lookup);
     if (const SasStorageBox* box = lookup.box(boxNumber))
-        made.push_back(publish<KDV_SASDriveCageDiskPhysicalPackage>(box->driveCage, package));
-    if (record->carrierAuthStatus != noSmartCarrier)
+        publishFor<KDV_SASDriveCageDiskPhysicalPackage>(drive, box->driveCage, package);
+    if (record->carrierAuthStatus != noSmartCarrier) // stays when the disk is pulled from its carrier
         _createSmartCarrierInstances(hba, drive);
-
-    // What a hot removal hides. Carrier firmware is not in it: it stays when the disk is pulled from its carrier.
-    if (drive.hotPlugTracked)
-        drive.trackedInstances = std::move(made);
 }
 
 void KDVSASHBAProvider::_createPoolAndVolumeLinks(SasHba& hba, const SasPhysicalDriveRecord& record,

@@ -396,6 +396,27 @@ TEST_P(Pass, EndsWithAnErrorWhenTheDataLibraryThrowsAndTheNextOneRuns)
     EXPECT_EQ(pass(), quiet);
 }
 
+TEST_P(Pass, RemovesWhatWasMadeOfADiskWhoseAdditionFailed)
+{
+    makeProvider();
+    machine.addDrive(hba, 1, unassignedUsage);
+    for (std::uint64_t n = 1;; ++n) {
+        broker.failAfter(n, CMPI_RC_ERR_FAILED);
+        requests().pass();
+        const bool fired = broker.faultFired();
+        broker.failAfter(0, CMPI_RC_OK);
+        machine.pull(hba, 1);
+        EXPECT_EQ(requests().pass().rc, CMPI_RC_OK);
+        for (const char* className : diskClasses)
+            EXPECT_EQ(count(className), 0u) << className << " after fault " << n;
+        machine.addDrive(hba, 1, unassignedUsage);
+        if (!fired)
+            break;
+    }
+    EXPECT_EQ(requests().pass().rc, CMPI_RC_OK);
+    EXPECT_EQ(count("KDV_SASDiskDrive"), 1u);
+}
+
 TEST_P(Pass, ServesWhatIsThereThroughManyPullsAndInsertions)
 {
     log.stop();
