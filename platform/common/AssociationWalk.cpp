@@ -56,15 +56,16 @@ bool AssociationWalk::hasRoles(std::uint32_t id, const CmpiObjectPath& other) co
 {
     if (_filter.role.empty() && _filter.resultRole.empty()) return true;
     const CmpiObjectPath path = _index.association(id).getPath();
-    bool role = _filter.role.empty();
-    bool resultRole = _filter.resultRole.empty();
-    for (const ReferenceKey& key : referenceKeysOf(path)) {
-        if (!key.path) continue;
-        const CmpiObjectPath end = CmpiObjectPath::lent(key.path);
-        role = role || (_filter.role == key.role && end == _given);
-        resultRole = resultRole || (_filter.resultRole == key.role && end == other);
-    }
-    return role && resultRole;
+    const std::vector<ReferenceKey> keys = referenceKeysOf(path);
+    const auto names = [](const ReferenceKey& key, const CmpiName& role, const CmpiObjectPath& end) {
+        return key.path && (role.empty() || role == key.role) && CmpiObjectPath::lent(key.path) == end;
+    };
+    for (std::size_t mine = 0; mine < keys.size(); ++mine)
+        for (std::size_t theirs = 0; theirs < keys.size(); ++theirs)
+            if (mine != theirs && names(keys[mine], _filter.role, _given) &&
+                names(keys[theirs], _filter.resultRole, other))
+                return true;
+    return false;
 }
 
 std::uint32_t AssociationWalk::publisher(std::uint32_t id, const CmpiObjectPath& other) const

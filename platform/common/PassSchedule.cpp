@@ -70,7 +70,8 @@ void PassSchedule::useContext(const CMPIContext* prepared)
     if (!_keepsTime) {
         startThread(timeThread);
         _keepsTime = true;
-        _timetable.start(_clock->now(), _clock->randomPart(_timing.stagger));
+        const PassClock::Time now = _clock->now();
+        _timetable.start(now, _clock->randomPart(_timing.stagger));
     }
     pthread_cond_broadcast(&_wake);
 }
