@@ -43,10 +43,9 @@ private:
         if (entry.type == CMPI_string) {
             ready.text = textOf(entry.value);
         } else if (entry.type & CMPI_ARRAY) {
-            const ArrayObject& array = ArrayObject::of(entry.value.array);
-            for (CMPICount i = 0; i < array.size(); ++i) {
-                ready.elements.push_back(array.at(i).value);
-                if ((entry.type & ~CMPI_ARRAY) == CMPI_string) ready.texts.emplace_back(textOf(array.at(i).value));
+            for (const CMPIData& element : ArrayObject::of(entry.value.array)) {
+                ready.elements.push_back(element.value);
+                if ((entry.type & ~CMPI_ARRAY) == CMPI_string) ready.texts.emplace_back(textOf(element.value));
             }
         }
         _properties.push_back(std::move(ready));
@@ -62,11 +61,11 @@ void require(const CMPIStatus& status, const char* what)
         throw std::runtime_error(std::string(what) + " failed with " + std::to_string(status.rc));
 }
 
-ClassRepository loadedSchema()
+const ClassRepository& loadedSchema()
 {
-    ClassRepository repository;
+    static ClassRepository repository;
     const std::string share = std::string(KDV_BUILD_DIR) + "/share/kdv-sas/";
-    repository.loadFile(share + "core/qualifiers.mof", nameSpace);
+
     repository.loadFile(share + "core/cim-core.mof", nameSpace);
     repository.loadFile(share + "kdv-sas.mof", nameSpace);
     return repository;
@@ -117,7 +116,7 @@ Machine& Machine::instance()
 }
 
 Machine::Machine()
-    : _repository(loadedSchema()), _broker(_repository, {Profile::Standard, false}),
+    : _broker(loadedSchema(), {Profile::Standard, false}),
       _module("KDVSASHBAProvider", std::string(KDV_BUILD_DIR) + "/lib")
 {
     const auto start = std::chrono::steady_clock::now();

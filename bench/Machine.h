@@ -55,7 +55,6 @@ private:
     Machine();
     Host::PathObject& diskPath(Host::RequestScope& scope, std::size_t index);
 
-    Host::ClassRepository _repository;
     Host::Broker _broker;
     Host::ProviderModule _module;
     double _populateSeconds = 0;
