@@ -32,7 +32,7 @@ TEST_F(SasLogicalDriveTest, RemembersNumberAndRecord)
 TEST_F(SasLogicalDriveTest, HasNoRedundancySetWithoutSpares)
 {
     const SasLogicalDrive drive(logger, &machine.addVolume(hba, 1, {1, 2}));
-    EXPECT_EQ(drive.record->spareCount, 0u);
+    EXPECT_EQ(std::uint32_t(drive.record->spareCount), 0u);
     EXPECT_EQ(drive.redundancySet, nullptr);
 }
 
