@@ -18,7 +18,8 @@ SelectCompiler::~SelectCompiler() = default;
 LogSink::~LogSink() = default;
 Recorder::~Recorder() = default;
 
-template <class Table> SizedTable<Table>::SizedTable(const Table& table, std::size_t size) : _at(::operator new(size))
+template <class Table>
+SizedTable<Table>::SizedTable(const Table& table, std::size_t size) : _at(::operator new(size))
 {
     std::memcpy(_at, &table, size);
 }
@@ -65,8 +66,7 @@ bool Broker::Counters::untrack(void* allocation)
 {
     const std::lock_guard lock(mutex);
     const auto found = std::find(allocations.begin(), allocations.end(), allocation);
-    if (found == allocations.end())
-        return false;
+    if (found == allocations.end()) return false;
     allocations.erase(found);
     return true;
 }
@@ -88,10 +88,7 @@ Broker::~Broker() = default;
 
 const CMPIBroker* Broker::cmpi() const noexcept { return &_abi->cmpi; }
 
-Broker& Broker::of(const CMPIBroker* broker) noexcept
-{
-    return *static_cast<Broker*>(const_cast<void*>(broker->hdl));
-}
+Broker& Broker::of(const CMPIBroker* broker) noexcept { return *static_cast<Broker*>(const_cast<void*>(broker->hdl)); }
 
 void Broker::failAfter(std::uint64_t n, CMPIrc rc) noexcept
 {
@@ -105,8 +102,7 @@ CMPIrc Broker::takeFault() noexcept
     std::uint64_t left = _faultCountdown.load();
     while (left != 0 && !_faultCountdown.compare_exchange_weak(left, left - 1)) {
     }
-    if (left != 1)
-        return CMPI_RC_OK;
+    if (left != 1) return CMPI_RC_OK;
     _faultFired.store(true);
     return static_cast<CMPIrc>(_faultCode.load());
 }
@@ -132,9 +128,9 @@ void Broker::resetStatistics()
     Counters& counters = *_counters;
     const std::lock_guard lock(counters.mutex);
     counters.sums = {};
-    for (auto* count : {&counters.doubleReleases, &counters.usesAfterRelease, &counters.lentReleases,
-                        &counters.foreignReleases, &counters.unattachedCalls, &counters.droppedProperties,
-                        &counters.refusedProperties})
+    for (auto* count :
+         {&counters.doubleReleases, &counters.usesAfterRelease, &counters.lentReleases, &counters.foreignReleases,
+          &counters.unattachedCalls, &counters.droppedProperties, &counters.refusedProperties})
         count->store(0);
 }
 
@@ -143,8 +139,7 @@ const PropertyInfo* Broker::undeclaredProperty(std::string_view name, CMPIType t
     Counters& counters = *_counters;
     const std::lock_guard lock(counters.mutex);
     for (const auto& known : counters.undeclared)
-        if (known->name == name)
-            return known.get();
+        if (known->name == name) return known.get();
     auto made = std::make_unique<PropertyInfo>();
     made->name = name;
     made->type = type;

@@ -3,10 +3,10 @@
 // thread that has a RequestScope (or, as Sfcb, from any); settings are made before the first provider call.
 #pragma once
 
-#include "cmpi/Broker.h"
 #include "broker/ObjectHead.h"
 #include "broker/Profile.h"
 #include "broker/Upcalls.h"
+#include "cmpi/Broker.h"
 #include "hostschema/ClassRepository.h"
 
 #include <array>
@@ -35,11 +35,11 @@ struct BrokerStatistics {
     std::int64_t liveClones = 0;                      // now
     std::uint64_t doubleReleases = 0;
     std::uint64_t usesAfterRelease = 0;
-    std::uint64_t lentReleases = 0;       // release of a parameter or of a part of another object
-    std::uint64_t foreignReleases = 0;    // release on another thread than the one whose scope made the object
-    std::uint64_t unattachedCalls = 0;    // objects asked for on a thread without a scope
-    std::uint64_t droppedProperties = 0;  // not declared by the class, dropped with a warning (Pegasus)
-    std::uint64_t refusedProperties = 0;  // refused with an error code
+    std::uint64_t lentReleases = 0;      // release of a parameter or of a part of another object
+    std::uint64_t foreignReleases = 0;   // release on another thread than the one whose scope made the object
+    std::uint64_t unattachedCalls = 0;   // objects asked for on a thread without a scope
+    std::uint64_t droppedProperties = 0; // not declared by the class, dropped with a warning (Pegasus)
+    std::uint64_t refusedProperties = 0; // refused with an error code
 
     std::uint64_t of(const std::array<std::uint64_t, objectKinds>& counts, ObjectKind kind) const noexcept
     {
@@ -92,7 +92,7 @@ public:
     Counters& counters() noexcept { return *_counters; }
     const std::shared_ptr<Counters>& sharedCounters() const noexcept { return _counters; }
     bool faultArmed() const noexcept { return _faultCountdown.load(std::memory_order_relaxed) != 0; }
-    CMPIrc takeFault() noexcept; // 0: this call goes well
+    CMPIrc takeFault() noexcept;                                                  // 0: this call goes well
     const PropertyInfo* undeclaredProperty(std::string_view name, CMPIType type); // lives as long as the broker
 
 private:

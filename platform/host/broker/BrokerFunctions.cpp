@@ -9,8 +9,7 @@ namespace {
 CMPIContext* prepareAttachThread(const CMPIBroker* mb, const CMPIContext* ctx)
 {
     const ContextObject* context = argument<ContextObject>(ctx);
-    if (!mb || !context)
-        return nullptr;
+    if (!mb || !context) return nullptr;
     try {
         return copyOf(Placement::own(Broker::of(mb), nullptr, ObjectKind::Context, ownListSize), *context);
     } catch (...) {
@@ -27,11 +26,9 @@ ContextObject* prepared(const CMPIContext* ctx) noexcept
 CMPIStatus attachThread(const CMPIBroker* mb, const CMPIContext* ctx)
 {
     ContextObject* context = prepared(ctx);
-    if (!mb || !context || context->attached)
-        return failed(CMPI_RC_ERR_INVALID_PARAMETER);
+    if (!mb || !context || context->attached) return failed(CMPI_RC_ERR_INVALID_PARAMETER);
     Broker& broker = Broker::of(mb);
-    if (broker.profile() == Profile::Sfcb)
-        return ok(); // objects of the thread live as long as the thread
+    if (broker.profile() == Profile::Sfcb) return ok(); // objects of the thread live as long as the thread
     try {
         context->attached = new RequestScope(broker);
     } catch (...) {
@@ -43,35 +40,28 @@ CMPIStatus attachThread(const CMPIBroker* mb, const CMPIContext* ctx)
 CMPIStatus detachThread(const CMPIBroker* mb, const CMPIContext* ctx)
 {
     ContextObject* context = prepared(ctx);
-    if (!mb || !context)
-        return failed(CMPI_RC_ERR_INVALID_PARAMETER);
-    if (context->attached && !context->attached->ownThread())
-        return failed(CMPI_RC_ERR_INVALID_PARAMETER);
+    if (!mb || !context) return failed(CMPI_RC_ERR_INVALID_PARAMETER);
+    if (context->attached && !context->attached->ownThread()) return failed(CMPI_RC_ERR_INVALID_PARAMETER);
     delete std::exchange(context->attached, nullptr);
     return releaseObject(context->head, context->memory);
 }
 
 CMPIStatus asStatus(Broker& broker, const Outcome& outcome) noexcept
 {
-    if (outcome.rc == CMPI_RC_OK || outcome.message.empty())
-        return failed(outcome.rc);
+    if (outcome.rc == CMPI_RC_OK || outcome.message.empty()) return failed(outcome.rc);
     return failedWith(broker, outcome.rc, outcome.message);
 }
 
 CMPIStatus deliverIndication(const CMPIBroker* mb, const CMPIContext* ctx, const char* ns, const CMPIInstance* ind)
 {
-    if (!mb)
-        return failed(CMPI_RC_ERR_INVALID_HANDLE);
+    if (!mb) return failed(CMPI_RC_ERR_INVALID_HANDLE);
     Broker& broker = Broker::of(mb);
     if (broker.faultArmed())
-        if (const CMPIrc fault = broker.takeFault(); fault != CMPI_RC_OK)
-            return failed(fault);
+        if (const CMPIrc fault = broker.takeFault(); fault != CMPI_RC_OK) return failed(fault);
     const InstanceObject* instance = argument<InstanceObject>(ind);
-    if (!instance || !argument<ContextObject>(ctx))
-        return failed(CMPI_RC_ERR_INVALID_PARAMETER);
+    if (!instance || !argument<ContextObject>(ctx)) return failed(CMPI_RC_ERR_INVALID_PARAMETER);
     try {
-        if (Recorder* recorder = broker.recorder())
-            recorder->delivered(viewOf(ns), *instance);
+        if (Recorder* recorder = broker.recorder()) recorder->delivered(viewOf(ns), *instance);
         IndicationSink* sink = broker.indicationSink();
         return sink ? asStatus(broker, sink->deliver(ctx, viewOf(ns), *instance)) : failed(CMPI_RC_ERR_FAILED);
     } catch (...) {
@@ -112,36 +102,36 @@ private:
 template <class Call>
 EnumerationObject* ask(const CMPIBroker* mb, const CMPIObjectPath* op, CMPIStatus* status, Call&& call) noexcept
 {
-    return produce<EnumerationObject>(mb, status, [&](Broker& broker, RequestScope& scope, CMPIStatus& outcome) -> EnumerationObject* {
-        const PathObject* path = argument<PathObject>(op);
-        BrokerUpcalls* server = broker.upcalls();
-        if (!path || !server) {
-            outcome = failed(path ? CMPI_RC_ERR_NOT_SUPPORTED : CMPI_RC_ERR_INVALID_PARAMETER);
-            return nullptr;
-        }
-        EnumerationObject* results =
-            makeEnumeration(Placement::own(broker, &scope, ObjectKind::Enumeration, ownInstanceSize));
-        EnumerationSink sink(*results);
-        outcome = asStatus(broker, call(*server, *path, sink));
-        if (outcome.rc != CMPI_RC_OK)
-            releaseObject(results->head, results->memory);
-        return results;
-    });
+    return produce<EnumerationObject>(
+        mb, status, [&](Broker& broker, RequestScope& scope, CMPIStatus& outcome) -> EnumerationObject* {
+            const PathObject* path = argument<PathObject>(op);
+            BrokerUpcalls* server = broker.upcalls();
+            if (!path || !server) {
+                outcome = failed(path ? CMPI_RC_ERR_NOT_SUPPORTED : CMPI_RC_ERR_INVALID_PARAMETER);
+                return nullptr;
+            }
+            EnumerationObject* results =
+                makeEnumeration(Placement::own(broker, &scope, ObjectKind::Enumeration, ownInstanceSize));
+            EnumerationSink sink(*results);
+            outcome = asStatus(broker, call(*server, *path, sink));
+            if (outcome.rc != CMPI_RC_OK) releaseObject(results->head, results->memory);
+            return results;
+        });
 }
 
 // The one result of an up-call, as an object of its own.
 template <class Object, class Abi>
-Abi* single(const CMPIBroker* mb, EnumerationObject* results, CMPIType type, ObjectKind kind, CMPIStatus* status) noexcept
+Abi* single(const CMPIBroker* mb, EnumerationObject* results, CMPIType type, ObjectKind kind,
+            CMPIStatus* status) noexcept
 {
-    if (!results)
-        return nullptr;
+    if (!results) return nullptr;
     Abi* abi = nullptr;
     try {
         Broker& broker = Broker::of(mb);
         if (results->count > 0 && results->elements[0].type == type)
             abi = copyOf(Placement::own(broker, results->head.scope, kind, ownInstanceSize),
-                         *static_cast<const Object*>(static_cast<const Abi*>(
-                             static_cast<const void*>(results->elements[0].value.inst))));
+                         *static_cast<const Object*>(
+                             static_cast<const Abi*>(static_cast<const void*>(results->elements[0].value.inst))));
         else
             tell(status, failed(CMPI_RC_ERR_NOT_FOUND));
     } catch (...) {
@@ -182,12 +172,12 @@ CMPIObjectPath* createInstance(const CMPIBroker* mb, const CMPIContext* ctx, con
 }
 
 // Up-calls without results: the enumeration stays empty and is released.
-template <class Call> CMPIStatus tellServer(const CMPIBroker* mb, const CMPIObjectPath* op, Call&& call) noexcept
+template <class Call>
+CMPIStatus tellServer(const CMPIBroker* mb, const CMPIObjectPath* op, Call&& call) noexcept
 {
     CMPIStatus status = ok();
     EnumerationObject* results = ask(mb, op, &status, call);
-    if (results)
-        releaseObject(results->head, results->memory);
+    if (results) releaseObject(results->head, results->memory);
     return status;
 }
 

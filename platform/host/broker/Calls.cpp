@@ -6,8 +6,7 @@ CMPIStatus failedWith(Broker& broker, CMPIrc rc, std::string_view text) noexcept
 {
     CMPIStatus status = failed(rc);
     try {
-        if (RequestScope* scope = RequestScope::current(broker))
-            status.msg = scope->string(text);
+        if (RequestScope* scope = RequestScope::current(broker)) status.msg = scope->string(text);
     } catch (...) {
         status.msg = nullptr;
     }
@@ -17,8 +16,7 @@ CMPIStatus failedWith(Broker& broker, CMPIrc rc, std::string_view text) noexcept
 CMPIString* textInScope(Broker& broker, std::string_view text)
 {
     RequestScope* scope = RequestScope::current(broker);
-    if (!scope)
-        return nullptr;
+    if (!scope) return nullptr;
     return makeString(Placement::own(broker, scope, ObjectKind::String, sizeof(StringObject) + text.size() + 1), text);
 }
 
@@ -55,8 +53,7 @@ CMPIStatus releaseObject(ObjectHead& head, Memory* memory) noexcept
     }
     head.state = ObjectState::Released;
     head.scope->uncount(head.kind);
-    if (!head.broker->checksLifetimes())
-        memory->destroy();
+    if (!head.broker->checksLifetimes()) memory->destroy();
     return ok();
 }
 

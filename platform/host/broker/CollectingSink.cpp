@@ -16,8 +16,7 @@ std::string quotedText(std::string_view text)
 {
     std::string out = "\"";
     for (char c : text) {
-        if (c == '"' || c == '\\')
-            out += '\\';
+        if (c == '"' || c == '\\') out += '\\';
         out += c;
     }
     return out + '"';
@@ -68,10 +67,8 @@ std::string integerText(CMPIType type, const CMPIValue& value)
 
 std::string valueText(const CMPIData& data)
 {
-    if (isNull(data))
-        return "NULL";
-    if (data.type & CMPI_ARRAY)
-        return arrayText(ArrayObject::of(data.value.array));
+    if (isNull(data)) return "NULL";
+    if (data.type & CMPI_ARRAY) return arrayText(ArrayObject::of(data.value.array));
     switch (data.type) {
     case CMPI_boolean:
         return data.value.boolean ? "true" : "false";
@@ -97,15 +94,14 @@ std::string valueText(const CMPIData& data)
 std::string typeText(CMPIType type)
 {
     static constexpr std::pair<CMPIType, const char*> names[] = {
-        {CMPI_boolean, "boolean"}, {CMPI_char16, "char16"},     {CMPI_real32, "real32"},     {CMPI_real64, "real64"},
-        {CMPI_uint8, "uint8"},     {CMPI_uint16, "uint16"},     {CMPI_uint32, "uint32"},     {CMPI_uint64, "uint64"},
-        {CMPI_sint8, "sint8"},     {CMPI_sint16, "sint16"},     {CMPI_sint32, "sint32"},     {CMPI_sint64, "sint64"},
-        {CMPI_string, "string"},   {CMPI_dateTime, "datetime"}, {CMPI_ref, "reference"},     {CMPI_instance, "instance"},
+        {CMPI_boolean, "boolean"}, {CMPI_char16, "char16"},     {CMPI_real32, "real32"}, {CMPI_real64, "real64"},
+        {CMPI_uint8, "uint8"},     {CMPI_uint16, "uint16"},     {CMPI_uint32, "uint32"}, {CMPI_uint64, "uint64"},
+        {CMPI_sint8, "sint8"},     {CMPI_sint16, "sint16"},     {CMPI_sint32, "sint32"}, {CMPI_sint64, "sint64"},
+        {CMPI_string, "string"},   {CMPI_dateTime, "datetime"}, {CMPI_ref, "reference"}, {CMPI_instance, "instance"},
     };
     std::string text = "type " + std::to_string(type);
     for (const auto& [code, name] : names)
-        if (code == (type & ~CMPI_ARRAY))
-            text = name;
+        if (code == (type & ~CMPI_ARRAY)) text = name;
     return (type & CMPI_ARRAY) ? text + "[]" : text;
 }
 
@@ -123,8 +119,7 @@ CollectedInstance collect(const InstanceObject& instance)
 const CollectedProperty* CollectedInstance::find(std::string_view name) const
 {
     for (const CollectedProperty& property : properties)
-        if (sameName(property.name, name))
-            return &property;
+        if (sameName(property.name, name)) return &property;
     return nullptr;
 }
 

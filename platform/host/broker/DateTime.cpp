@@ -25,8 +25,7 @@ bool digitsAt(const char* text, unsigned from, unsigned count, unsigned& value)
 {
     value = 0;
     for (unsigned i = from; i < from + count; ++i) {
-        if (text[i] < '0' || text[i] > '9')
-            return false;
+        if (text[i] < '0' || text[i] > '9') return false;
         value = value * 10 + static_cast<unsigned>(text[i] - '0');
     }
     return true;
@@ -36,21 +35,16 @@ bool digitsAt(const char* text, unsigned from, unsigned count, unsigned& value)
 
 bool isDateTimeText(std::string_view text, bool strict)
 {
-    if (text.size() != 25)
-        return false;
+    if (text.size() != 25) return false;
     const char sign = text[21];
-    if (sign != '+' && sign != '-' && sign != ':')
-        return false;
-    if (!strict)
-        return true;
+    if (sign != '+' && sign != '-' && sign != ':') return false;
+    if (!strict) return true;
     for (std::size_t i = 0; i < text.size(); ++i) {
         const bool separator = i == 14 || i == 21;
         const bool digit = (text[i] >= '0' && text[i] <= '9') || text[i] == '*';
-        if (i == 14 ? text[i] != '.' : !separator && !digit)
-            return false;
+        if (i == 14 ? text[i] != '.' : !separator && !digit) return false;
     }
-    if (sign == ':')
-        return text.substr(22) == "000";
+    if (sign == ':') return text.substr(22) == "000";
     unsigned month = 0;
     unsigned day = 0;
     const bool known = digitsAt(text.data(), 4, 2, month) && digitsAt(text.data(), 6, 2, day);
@@ -70,8 +64,7 @@ bool dateTimeToBinary(const char* text, std::uint64_t& microseconds)
     std::int64_t offset = 0;
     if (text[21] == ':') {
         unsigned written = 0;
-        if (!digitsAt(text, 0, 8, written))
-            return false;
+        if (!digitsAt(text, 0, 8, written)) return false;
         days = written;
     } else {
         unsigned year = 0;
@@ -85,8 +78,7 @@ bool dateTimeToBinary(const char* text, std::uint64_t& microseconds)
         offset = (text[21] == '-' ? -1 : 1) * static_cast<std::int64_t>(minutes) * 60;
     }
     const std::int64_t seconds = days * 86400 + hour * 3600ll + minute * 60ll + second - offset;
-    if (seconds < 0)
-        return false;
+    if (seconds < 0) return false;
     microseconds = static_cast<std::uint64_t>(seconds) * microsecondsPerSecond + micro;
     return true;
 }
@@ -120,8 +112,7 @@ CMPIUint64 getBinaryFormat(const CMPIDateTime* self, CMPIStatus* status)
 {
     return answer<DateTimeObject, CMPIUint64>(self, status, 0, [](DateTimeObject& date, CMPIStatus& outcome) {
         std::uint64_t microseconds = 0;
-        if (!dateTimeToBinary(date.text, microseconds))
-            outcome = failed(CMPI_RC_ERR_FAILED);
+        if (!dateTimeToBinary(date.text, microseconds)) outcome = failed(CMPI_RC_ERR_FAILED);
         return static_cast<CMPIUint64>(microseconds);
     });
 }
@@ -129,8 +120,7 @@ CMPIUint64 getBinaryFormat(const CMPIDateTime* self, CMPIStatus* status)
 CMPIString* getStringFormat(const CMPIDateTime* self, CMPIStatus* status)
 {
     return answer<DateTimeObject, CMPIString*>(self, status, nullptr, [](DateTimeObject& date, CMPIStatus&) {
-        if (!date.lentText)
-            date.lentText = makeString(Placement::inside(date.head, date.memory), {date.text, 25});
+        if (!date.lentText) date.lentText = makeString(Placement::inside(date.head, date.memory), {date.text, 25});
         return date.lentText;
     });
 }
@@ -146,8 +136,12 @@ CMPIBoolean isInterval(const CMPIDateTime* self, CMPIStatus* status)
 
 CMPIDateTimeFT dateTimeTable(Profile profile)
 {
-    return {objectTableVersion(profile), release<DateTimeObject, CMPIDateTime>, cloneObject<DateTimeObject, CMPIDateTime>,
-            getBinaryFormat, getStringFormat, isInterval};
+    return {objectTableVersion(profile),
+            release<DateTimeObject, CMPIDateTime>,
+            cloneObject<DateTimeObject, CMPIDateTime>,
+            getBinaryFormat,
+            getStringFormat,
+            isInterval};
 }
 
 } // namespace KDV::Host

@@ -6,9 +6,24 @@ namespace KDV::Host {
 ErrorObject* makeError(const Placement& at)
 {
     auto* object = place<ErrorObject>(at, ObjectKind::Error, &at.broker->tables().error);
-    const ErrorObject blank{{object->hdl, object->ft}, object->head,        at.memory, UnknownErrorType,
-                            ErrorSevUnknown,           ErrorProbCauseUnknown, CMPIErrSrcUnknown, CMPI_RC_OK,
-                            nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr};
+    const ErrorObject blank{{object->hdl, object->ft},
+                            object->head,
+                            at.memory,
+                            UnknownErrorType,
+                            ErrorSevUnknown,
+                            ErrorProbCauseUnknown,
+                            CMPIErrSrcUnknown,
+                            CMPI_RC_OK,
+                            nullptr,
+                            nullptr,
+                            nullptr,
+                            nullptr,
+                            nullptr,
+                            nullptr,
+                            nullptr,
+                            nullptr,
+                            nullptr,
+                            nullptr};
     *object = blank;
     return object;
 }
@@ -26,23 +41,23 @@ ErrorObject* copyOf(const Placement& at, const ErrorObject& from)
          {&ErrorObject::otherErrorType, &ErrorObject::owningEntity, &ErrorObject::messageID, &ErrorObject::message,
           &ErrorObject::probableCauseDescription, &ErrorObject::errorSource, &ErrorObject::otherErrorSourceFormat,
           &ErrorObject::statusCodeDescription})
-        if (from.*text)
-            object->*text = copyOf(inside, *(from.*text));
+        if (from.*text) object->*text = copyOf(inside, *(from.*text));
     for (ArrayObject* ErrorObject::*list : {&ErrorObject::recommendedActions, &ErrorObject::messageArguments})
-        if (from.*list)
-            object->*list = copyOf(inside, *(from.*list));
+        if (from.*list) object->*list = copyOf(inside, *(from.*list));
     return object;
 }
 
 namespace {
 
-template <StringObject* ErrorObject::*text> CMPIString* getText(const CMPIError* self, CMPIStatus* status)
+template <StringObject* ErrorObject::*text>
+CMPIString* getText(const CMPIError* self, CMPIStatus* status)
 {
     return answer<ErrorObject, CMPIString*>(self, status, nullptr,
                                             [](ErrorObject& error, CMPIStatus&) { return error.*text; });
 }
 
-template <StringObject* ErrorObject::*text> CMPIStatus setText(const CMPIError* self, const char* value)
+template <StringObject* ErrorObject::*text>
+CMPIStatus setText(const CMPIError* self, const char* value)
 {
     return change<ErrorObject>(self, [&](ErrorObject& error) {
         error.*text = value ? makeString(Placement::inside(error.head, error.memory), value) : nullptr;
@@ -50,27 +65,30 @@ template <StringObject* ErrorObject::*text> CMPIStatus setText(const CMPIError* 
     });
 }
 
-template <ArrayObject* ErrorObject::*list> CMPIArray* getList(const CMPIError* self, CMPIStatus* status)
+template <ArrayObject* ErrorObject::*list>
+CMPIArray* getList(const CMPIError* self, CMPIStatus* status)
 {
     return answer<ErrorObject, CMPIArray*>(self, status, nullptr,
                                            [](ErrorObject& error, CMPIStatus&) { return error.*list; });
 }
 
-template <ArrayObject* ErrorObject::*list> CMPIStatus setList(const CMPIError* self, const CMPIArray* value)
+template <ArrayObject* ErrorObject::*list>
+CMPIStatus setList(const CMPIError* self, const CMPIArray* value)
 {
     return change<ErrorObject>(self, [&](ErrorObject& error) {
         const ArrayObject* array = argument<ArrayObject>(value);
-        if (!array)
-            return failed(CMPI_RC_ERR_INVALID_PARAMETER);
+        if (!array) return failed(CMPI_RC_ERR_INVALID_PARAMETER);
         error.*list = copyOf(Placement::inside(error.head, error.memory), *array);
         return ok();
     });
 }
 
-template <auto member> auto getCode(const CMPIError* self, CMPIStatus* status)
+template <auto member>
+auto getCode(const CMPIError* self, CMPIStatus* status)
 {
     using Code = std::remove_reference_t<decltype(std::declval<ErrorObject>().*member)>;
-    return answer<ErrorObject, Code>(self, status, Code{}, [](ErrorObject& error, CMPIStatus&) { return error.*member; });
+    return answer<ErrorObject, Code>(self, status, Code{},
+                                     [](ErrorObject& error, CMPIStatus&) { return error.*member; });
 }
 
 CMPIStatus setErrorType(const CMPIError* self, CMPIErrorType type)

@@ -11,39 +11,41 @@ namespace {
 
 CMPIInstance* newInstance(const CMPIBroker* mb, const CMPIObjectPath* instPath, CMPIStatus* status)
 {
-    return produce<CMPIInstance>(mb, status, [&](Broker& broker, RequestScope& scope, CMPIStatus& outcome) -> CMPIInstance* {
-        const PathObject* path = argument<PathObject>(instPath);
-        const Profile profile = broker.profile();
-        if (!path && profile == Profile::Sfcb)
-            path = &scope.path({}, "*NoClassName*");
-        if (!path) {
-            outcome = failed(profile == Profile::Pegasus ? CMPI_RC_ERR_INVALID_PARAMETER : CMPI_RC_ERR_INVALID_HANDLE);
-            return nullptr;
-        }
-        if (!path->classInfo && profile == Profile::Standard) {
-            outcome = failedWith(broker, CMPI_RC_ERR_NOT_FOUND, "class not found: " + std::string(path->className));
-            return nullptr;
-        }
-        return makeInstance(Placement::own(broker, &scope, ObjectKind::Instance, ownInstanceSize), *path);
-    });
+    return produce<CMPIInstance>(
+        mb, status, [&](Broker& broker, RequestScope& scope, CMPIStatus& outcome) -> CMPIInstance* {
+            const PathObject* path = argument<PathObject>(instPath);
+            const Profile profile = broker.profile();
+            if (!path && profile == Profile::Sfcb) path = &scope.path({}, "*NoClassName*");
+            if (!path) {
+                outcome =
+                    failed(profile == Profile::Pegasus ? CMPI_RC_ERR_INVALID_PARAMETER : CMPI_RC_ERR_INVALID_HANDLE);
+                return nullptr;
+            }
+            if (!path->classInfo && profile == Profile::Standard) {
+                outcome = failedWith(broker, CMPI_RC_ERR_NOT_FOUND, "class not found: " + std::string(path->className));
+                return nullptr;
+            }
+            return makeInstance(Placement::own(broker, &scope, ObjectKind::Instance, ownInstanceSize), *path);
+        });
 }
 
 CMPIObjectPath* newObjectPath(const CMPIBroker* mb, const char* ns, const char* cn, CMPIStatus* status)
 {
-    return produce<CMPIObjectPath>(mb, status, [&](Broker& broker, RequestScope& scope, CMPIStatus& outcome) -> CMPIObjectPath* {
-        const std::string_view nameSpace = viewOf(ns);
-        const std::string_view className = viewOf(cn);
-        bool nameSpaceKnown = false;
-        const ClassInfo* info = scope.findClass(nameSpace, className, nameSpaceKnown);
-        if (!info && broker.profile() == Profile::Standard && (nameSpaceKnown || !nameSpace.empty())) {
-            outcome = failedWith(broker, nameSpaceKnown ? CMPI_RC_ERR_NOT_FOUND : CMPI_RC_ERR_INVALID_NAMESPACE,
-                                 nameSpaceKnown ? "class not found: " + std::string(className)
-                                                : "namespace not found: " + std::string(nameSpace));
-            return nullptr;
-        }
-        return makePath(Placement::own(broker, &scope, ObjectKind::ObjectPath, ownPathSize), info, nameSpace,
-                        className);
-    });
+    return produce<CMPIObjectPath>(
+        mb, status, [&](Broker& broker, RequestScope& scope, CMPIStatus& outcome) -> CMPIObjectPath* {
+            const std::string_view nameSpace = viewOf(ns);
+            const std::string_view className = viewOf(cn);
+            bool nameSpaceKnown = false;
+            const ClassInfo* info = scope.findClass(nameSpace, className, nameSpaceKnown);
+            if (!info && broker.profile() == Profile::Standard && (nameSpaceKnown || !nameSpace.empty())) {
+                outcome = failedWith(broker, nameSpaceKnown ? CMPI_RC_ERR_NOT_FOUND : CMPI_RC_ERR_INVALID_NAMESPACE,
+                                     nameSpaceKnown ? "class not found: " + std::string(className)
+                                                    : "namespace not found: " + std::string(nameSpace));
+                return nullptr;
+            }
+            return makePath(Placement::own(broker, &scope, ObjectKind::ObjectPath, ownPathSize), info, nameSpace,
+                            className);
+        });
 }
 
 CMPIArgs* newArgs(const CMPIBroker* mb, CMPIStatus* status)
@@ -55,15 +57,17 @@ CMPIArgs* newArgs(const CMPIBroker* mb, CMPIStatus* status)
 
 CMPIString* newString(const CMPIBroker* mb, const char* data, CMPIStatus* status)
 {
-    return produce<CMPIString>(mb, status, [&](Broker& broker, RequestScope& scope, CMPIStatus& outcome) -> CMPIString* {
-        if (!data && broker.profile() != Profile::Sfcb) {
-            outcome = failed(CMPI_RC_ERR_INVALID_PARAMETER);
-            return nullptr;
-        }
-        const std::string_view text = viewOf(data);
-        return makeString(
-            Placement::own(broker, &scope, ObjectKind::String, sizeof(StringObject) + text.size() + 1), text, !data);
-    });
+    return produce<CMPIString>(mb, status,
+                               [&](Broker& broker, RequestScope& scope, CMPIStatus& outcome) -> CMPIString* {
+                                   if (!data && broker.profile() != Profile::Sfcb) {
+                                       outcome = failed(CMPI_RC_ERR_INVALID_PARAMETER);
+                                       return nullptr;
+                                   }
+                                   const std::string_view text = viewOf(data);
+                                   return makeString(Placement::own(broker, &scope, ObjectKind::String,
+                                                                    sizeof(StringObject) + text.size() + 1),
+                                                     text, !data);
+                               });
 }
 
 CMPIArray* newArray(const CMPIBroker* mb, CMPICount size, CMPIType type, CMPIStatus* status)
@@ -76,8 +80,7 @@ CMPIArray* newArray(const CMPIBroker* mb, CMPICount size, CMPIType type, CMPISta
             outcome = failed(CMPI_RC_ERR_INVALID_PARAMETER);
             return nullptr;
         }
-        if (elementType == CMPI_chars && broker.profile() != Profile::Pegasus)
-            elementType = CMPI_string;
+        if (elementType == CMPI_chars && broker.profile() != Profile::Pegasus) elementType = CMPI_string;
         const bool growable = size == 0 && broker.profile() == Profile::Sfcb;
         const std::size_t bytes = ownArraySize + size * (sizeof(CMPIData) + 48);
         return makeArray(Placement::own(broker, &scope, ObjectKind::Array, bytes), size, elementType, growable);
@@ -109,40 +112,41 @@ CMPIDateTime* newDateTime(const CMPIBroker* mb, CMPIStatus* status)
 
 CMPIDateTime* newDateTimeFromChars(const CMPIBroker* mb, const char* datetime, CMPIStatus* status)
 {
-    return produce<CMPIDateTime>(mb, status, [&](Broker& broker, RequestScope& scope, CMPIStatus& outcome) -> CMPIDateTime* {
-        if (!isDateTimeText(viewOf(datetime), broker.profile() != Profile::Sfcb)) {
-            outcome = failed(CMPI_RC_ERR_INVALID_PARAMETER);
-            return nullptr;
-        }
-        return dateOf(broker, scope, datetime);
-    });
+    return produce<CMPIDateTime>(mb, status,
+                                 [&](Broker& broker, RequestScope& scope, CMPIStatus& outcome) -> CMPIDateTime* {
+                                     if (!isDateTimeText(viewOf(datetime), broker.profile() != Profile::Sfcb)) {
+                                         outcome = failed(CMPI_RC_ERR_INVALID_PARAMETER);
+                                         return nullptr;
+                                     }
+                                     return dateOf(broker, scope, datetime);
+                                 });
 }
 
 CMPISelectExp* newSelectExp(const CMPIBroker* mb, const char* query, const char* lang, CMPIArray** projection,
                             CMPIStatus* status)
 {
-    return produce<CMPISelectExp>(mb, status, [&](Broker& broker, RequestScope& scope, CMPIStatus& outcome) -> CMPISelectExp* {
-        if (projection)
-            *projection = nullptr;
-        if (!query || !lang) {
-            outcome = failed(CMPI_RC_ERR_INVALID_PARAMETER);
-            return nullptr;
-        }
-        SelectCompiler* compiler = broker.selectCompiler();
-        if (!compiler) {
-            outcome = failed(CMPI_RC_ERR_NOT_SUPPORTED);
-            return nullptr;
-        }
-        Outcome compiled;
-        auto evaluator = compiler->compile(query, lang, compiled);
-        if (!evaluator) {
-            outcome = failedWith(broker, compiled.rc == CMPI_RC_OK ? CMPI_RC_ERR_INVALID_QUERY : compiled.rc,
-                                 compiled.message);
-            return nullptr;
-        }
-        return makeSelectExp(Placement::own(broker, &scope, ObjectKind::SelectExp, ownListSize), query, lang,
-                             scope.keep(std::move(evaluator)));
-    });
+    return produce<CMPISelectExp>(
+        mb, status, [&](Broker& broker, RequestScope& scope, CMPIStatus& outcome) -> CMPISelectExp* {
+            if (projection) *projection = nullptr;
+            if (!query || !lang) {
+                outcome = failed(CMPI_RC_ERR_INVALID_PARAMETER);
+                return nullptr;
+            }
+            SelectCompiler* compiler = broker.selectCompiler();
+            if (!compiler) {
+                outcome = failed(CMPI_RC_ERR_NOT_SUPPORTED);
+                return nullptr;
+            }
+            Outcome compiled;
+            auto evaluator = compiler->compile(query, lang, compiled);
+            if (!evaluator) {
+                outcome = failedWith(broker, compiled.rc == CMPI_RC_OK ? CMPI_RC_ERR_INVALID_QUERY : compiled.rc,
+                                     compiled.message);
+                return nullptr;
+            }
+            return makeSelectExp(Placement::own(broker, &scope, ObjectKind::SelectExp, ownListSize), query, lang,
+                                 scope.keep(std::move(evaluator)));
+        });
 }
 
 CMPIBoolean classPathIsA(const CMPIBroker* mb, const CMPIObjectPath* classPath, const char* className,
@@ -170,15 +174,14 @@ CMPIBoolean classPathIsA(const CMPIBroker* mb, const CMPIObjectPath* classPath, 
     return is;
 }
 
-constexpr const char* kindNames[objectKinds] = {"CMPIString",   "CMPIArray",   "CMPIDateTime",    "CMPIObjectPath",
-                                                "CMPIInstance", "CMPIArgs",    "CMPIContext",     "CMPIEnumeration",
-                                                "CMPISelectExp", "CMPIError",  "CMPIResult"};
+constexpr const char* kindNames[objectKinds] = {"CMPIString",    "CMPIArray", "CMPIDateTime", "CMPIObjectPath",
+                                                "CMPIInstance",  "CMPIArgs",  "CMPIContext",  "CMPIEnumeration",
+                                                "CMPISelectExp", "CMPIError", "CMPIResult"};
 
 // Every encapsulated object begins with the pointer to its head.
 const ObjectHead* headOf(const void* object) noexcept
 {
-    if (!object)
-        return nullptr;
+    if (!object) return nullptr;
     const auto* head = static_cast<const ObjectHead*>(static_cast<const CMPIString*>(object)->hdl);
     return head && head->magic == ObjectHead::mark ? head : nullptr;
 }
@@ -258,22 +261,18 @@ CMPIString* getMessage2(const CMPIBroker* mb, const char*, CMPIMsgFileHandle, co
 }
 
 // A text and a string: either may be missing, not both.
-template <class Write> CMPIStatus logged(const CMPIBroker* mb, const char* text, const CMPIString* string, Write&& write)
+template <class Write>
+CMPIStatus logged(const CMPIBroker* mb, const char* text, const CMPIString* string, Write&& write)
 {
-    if (!mb)
-        return failed(CMPI_RC_ERR_INVALID_HANDLE);
+    if (!mb) return failed(CMPI_RC_ERR_INVALID_HANDLE);
     Broker& broker = Broker::of(mb);
-    if (broker.profile() == Profile::Sfcb)
-        return failed(CMPI_RC_ERR_NOT_SUPPORTED);
+    if (broker.profile() == Profile::Sfcb) return failed(CMPI_RC_ERR_NOT_SUPPORTED);
     if (broker.faultArmed())
-        if (const CMPIrc fault = broker.takeFault(); fault != CMPI_RC_OK)
-            return failed(fault);
+        if (const CMPIrc fault = broker.takeFault(); fault != CMPI_RC_OK) return failed(fault);
     const StringObject* object = argument<StringObject>(string);
-    if (!text && !object)
-        return failed(CMPI_RC_ERR_INVALID_PARAMETER);
+    if (!text && !object) return failed(CMPI_RC_ERR_INVALID_PARAMETER);
     try {
-        if (LogSink* log = broker.logSink())
-            write(*log, text ? std::string_view(text) : object->text());
+        if (LogSink* log = broker.logSink()) write(*log, text ? std::string_view(text) : object->text());
     } catch (...) {
         return failed(CMPI_RC_ERR_FAILED);
     }
@@ -290,8 +289,7 @@ CMPIStatus logMessage(const CMPIBroker* mb, CMPISeverity severity, const char* i
 CMPIStatus trace(const CMPIBroker* mb, CMPILevel level, const char* component, const char* text,
                  const CMPIString* string)
 {
-    if (!component && mb && Broker::of(mb).profile() == Profile::Pegasus)
-        return failed(CMPI_RC_ERR_INVALID_PARAMETER);
+    if (!component && mb && Broker::of(mb).profile() == Profile::Pegasus) return failed(CMPI_RC_ERR_INVALID_PARAMETER);
     return logged(mb, text, string,
                   [&](LogSink& log, std::string_view line) { log.trace(level, viewOf(component), line); });
 }
@@ -315,8 +313,7 @@ CMPIError* newCMPIError(const CMPIBroker* mb, const char* owner, const char* msg
 // Message files hold translations, which this broker has none of: opening succeeds and the default texts serve.
 CMPIStatus openMessageFile(const CMPIBroker* mb, const char* msgFile, CMPIMsgFileHandle* handle)
 {
-    if (!mb || !msgFile || !handle)
-        return failed(CMPI_RC_ERR_INVALID_PARAMETER);
+    if (!mb || !msgFile || !handle) return failed(CMPI_RC_ERR_INVALID_PARAMETER);
     *handle = nullptr;
     return ok();
 }
@@ -330,12 +327,30 @@ CMPIStatus closeMessageFile(const CMPIBroker* mb, CMPIMsgFileHandle)
 
 CMPIBrokerEncFT factoryTable(Profile profile)
 {
-    CMPIBrokerEncFT table{objectTableVersion(profile), newInstance,          newObjectPath,   newArgs,
-                          newString,                   newArray,             newDateTime,     newDateTimeFromBinary,
-                          newDateTimeFromChars,        newSelectExp,         classPathIsA,    toString,
-                          isOfType,                    getType,              getMessage,      logMessage,
-                          trace,                       newCMPIError,         openMessageFile, closeMessageFile,
-                          getMessage2,                 nullptr,              nullptr,         nullptr};
+    CMPIBrokerEncFT table{objectTableVersion(profile),
+                          newInstance,
+                          newObjectPath,
+                          newArgs,
+                          newString,
+                          newArray,
+                          newDateTime,
+                          newDateTimeFromBinary,
+                          newDateTimeFromChars,
+                          newSelectExp,
+                          classPathIsA,
+                          toString,
+                          isOfType,
+                          getType,
+                          getMessage,
+                          logMessage,
+                          trace,
+                          newCMPIError,
+                          openMessageFile,
+                          closeMessageFile,
+                          getMessage2,
+                          nullptr,
+                          nullptr,
+                          nullptr};
     if (profile == Profile::Sfcb) {
         table.newCMPIError = nullptr;
         table.openMessageFile = nullptr;

@@ -15,19 +15,15 @@ void presetAll(InstanceObject& instance)
 {
     const Placement inside = Placement::inside(instance.head, instance.memory);
     for (const PropertyInfo& property : instance.classInfo->properties())
-        storeProperty(instance, property,
-                      property.defaultValue.isNull ? nullData(property.type)
-                                                   : schemaData(inside, property.defaultValue),
-                      true);
+        storeProperty(
+            instance, property,
+            property.defaultValue.isNull ? nullData(property.type) : schemaData(inside, property.defaultValue), true);
     for (const KeyBinding& key : *instance.path)
-        if (key.property)
-            storeProperty(instance, *key.property, copyData(inside, key.data), true);
+        if (key.property) storeProperty(instance, *key.property, copyData(inside, key.data), true);
 }
 
 void makeRoom(InstanceObject& instance)
 {
-    if (instance.entryCount < instance.entryCapacity)
-        return;
     PropertyEntry* to = instance.entries;
     // Properties set again and again leave gaps: close them before growing.
     if (instance.setCount > instance.entryCapacity / 2) {
@@ -37,11 +33,9 @@ void makeRoom(InstanceObject& instance)
     std::uint32_t count = 0;
     for (std::uint32_t i = 0; i < instance.entryCount; ++i) {
         const PropertyEntry& entry = instance.entries[i];
-        if (!entry.property)
-            continue;
+        if (!entry.property) continue;
         to[count] = entry;
-        if (entry.property->index >= 0)
-            instance.places[entry.property->index] = static_cast<std::uint16_t>(count + 1);
+        if (entry.property->index >= 0) instance.places[entry.property->index] = static_cast<std::uint16_t>(count + 1);
         ++count;
     }
     instance.entries = to;
@@ -64,8 +58,7 @@ InstanceObject* makeInstance(const Placement& at, const PathObject& path)
     object->places = at.memory->array<std::uint16_t>(declared);
     std::memset(object->places, 0, declared * sizeof(std::uint16_t));
     object->path = copyOf(Placement::inside(object->head, at.memory), path);
-    if (at.broker->profile() == Profile::Sfcb && object->classInfo)
-        presetAll(*object);
+    if (at.broker->profile() == Profile::Sfcb && object->classInfo) presetAll(*object);
     return object;
 }
 
@@ -98,45 +91,45 @@ InstanceObject* copyOf(const Placement& at, const InstanceObject& from)
 const PropertyEntry* InstanceObject::find(std::string_view name) const noexcept
 {
     const int index = classInfo ? classInfo->property(name) : -1;
-    if (index >= 0)
-        return places[index] ? entries + (places[index] - 1) : nullptr;
+    if (index >= 0) return places[index] ? entries + (places[index] - 1) : nullptr;
     for (const PropertyEntry& entry : properties())
-        if (sameName(entry.property->name, name))
-            return &entry;
+        if (sameName(entry.property->name, name)) return &entry;
     return nullptr;
+}
+
+PropertyEntry& claimProperty(InstanceObject& instance, const PropertyInfo& property)
+{
+    PropertyEntry* old = nullptr;
+    if (property.index >= 0) {
+        if (const std::uint16_t place = instance.places[property.index]) old = instance.entries + (place - 1);
+    } else {
+        old = const_cast<PropertyEntry*>(instance.find(property.name));
+    }
+    if (old) removeProperty(instance, *old);
+    if (instance.entryCount == instance.entryCapacity) makeRoom(instance);
+    PropertyEntry& entry = instance.entries[instance.entryCount++];
+    entry.property = &property;
+    entry.preset = false;
+    ++instance.setCount;
+    if (property.index >= 0) instance.places[property.index] = static_cast<std::uint16_t>(instance.entryCount);
+    return entry;
 }
 
 void storeProperty(InstanceObject& instance, const PropertyInfo& property, const CMPIData& data, bool preset)
 {
-    PropertyEntry* old = nullptr;
-    if (property.index >= 0) {
-        if (const std::uint16_t place = instance.places[property.index])
-            old = instance.entries + (place - 1);
-    } else {
-        old = const_cast<PropertyEntry*>(instance.find(property.name));
-    }
-    if (old)
-        removeProperty(instance, *old);
-    makeRoom(instance);
-    PropertyEntry& entry = instance.entries[instance.entryCount++];
-    entry.property = &property;
+    PropertyEntry& entry = claimProperty(instance, property);
     entry.type = data.type;
     entry.state = data.state;
     entry.preset = preset;
     entry.value = data.value;
-    ++instance.setCount;
-    if (property.index >= 0)
-        instance.places[property.index] = static_cast<std::uint16_t>(instance.entryCount);
 }
 
 void removeProperty(InstanceObject& instance, PropertyEntry& entry)
 {
-    if (entry.property->index >= 0)
-        instance.places[entry.property->index] = 0;
+    if (entry.property->index >= 0) instance.places[entry.property->index] = 0;
     entry.property = nullptr;
     --instance.setCount;
-    if (&entry == instance.entries + instance.entryCount - 1)
-        --instance.entryCount;
+    if (&entry == instance.entries + instance.entryCount - 1) --instance.entryCount;
 }
 
 } // namespace KDV::Host

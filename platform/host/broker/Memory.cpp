@@ -15,26 +15,31 @@ static_assert(sizeof(Block) % alignment == 0 && BlockPool::smallestBlock % align
 void* systemMemory(std::size_t size)
 {
     void* at = std::malloc(size);
-    if (!at)
-        throw std::bad_alloc();
+    if (!at) throw std::bad_alloc();
     return at;
 }
+
+// 0 for up to 128 bytes, then one for each doubling.
+std::uint32_t classOf(std::size_t size) noexcept
+{
+    if (size <= BlockPool::smallestBlock) return 0;
+    const auto bits = static_cast<std::uint32_t>(64 - __builtin_clzll(size - 1)); // size <= 2^bits
+    return bits - 7 < BlockPool::madeToMeasure ? bits - 7 : BlockPool::madeToMeasure;
+}
+static_assert(BlockPool::smallestBlock == 1u << 7);
 
 } // namespace
 
 Block* BlockPool::take(std::size_t size)
 {
-    std::uint32_t sizeClass = 0;
-    for (std::size_t holds = smallestBlock; holds < size && sizeClass < madeToMeasure; holds *= 2)
-        ++sizeClass;
+    const std::uint32_t sizeClass = classOf(size);
     Block*& freed = _free[sizeClass];
     if (freed && freed->size >= size) {
         Block* block = freed;
         freed = block->next;
         return block;
     }
-    if (sizeClass < madeToMeasure)
-        return carve(sizeClass);
+    if (sizeClass < madeToMeasure) return carve(sizeClass);
     const std::size_t whole = alignment + size;
     auto* chunk = static_cast<Chunk*>(systemMemory(whole));
     chunk->next = _chunks;
@@ -57,8 +62,7 @@ Block* BlockPool::carve(std::uint32_t sizeClass)
         _bytes += whole;
         _next = reinterpret_cast<char*>(chunk) + alignment;
         _end = reinterpret_cast<char*>(chunk) + whole;
-        if (_nextChunk < largestChunk)
-            _nextChunk *= 2;
+        if (_nextChunk < largestChunk) _nextChunk *= 2;
     }
     auto* block = reinterpret_cast<Block*>(_next);
     _next += size;
@@ -142,8 +146,7 @@ void* Memory::allocateSlow(std::size_t size)
 std::string_view Memory::copy(std::string_view text)
 {
     auto* at = static_cast<char*>(allocate(text.size() + 1));
-    if (!text.empty())
-        std::memcpy(at, text.data(), text.size());
+    if (!text.empty()) std::memcpy(at, text.data(), text.size());
     at[text.size()] = '\0';
     return {at, text.size()};
 }

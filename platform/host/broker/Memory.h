@@ -24,7 +24,7 @@ public:
 
     Block* take(std::size_t size); // at least `size` bytes with the head; std::bad_alloc
     void giveBack(Block* block) noexcept;
-    void reset() noexcept; // frees everything, blocks in use included
+    void reset() noexcept;                                // frees everything, blocks in use included
     std::size_t bytes() const noexcept { return _bytes; } // taken from the system
 
     static constexpr std::size_t smallestBlock = 128;
@@ -54,13 +54,16 @@ public:
     void* allocate(std::size_t size)
     {
         size = (size + 7) & ~std::size_t{7};
-        if (size > static_cast<std::size_t>(_end - _next))
-            return allocateSlow(size);
+        if (size > static_cast<std::size_t>(_end - _next)) return allocateSlow(size);
         void* at = _next;
         _next += size;
         return at;
     }
-    template <class T> T* array(std::size_t count) { return static_cast<T*>(allocate(count * sizeof(T))); }
+    template <class T>
+    T* array(std::size_t count)
+    {
+        return static_cast<T*>(allocate(count * sizeof(T)));
+    }
     std::string_view copy(std::string_view text); // the copy ends with a NUL
     BlockPool* pool() const noexcept { return _pool; }
 

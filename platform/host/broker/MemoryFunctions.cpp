@@ -44,17 +44,14 @@ void* cmpiCalloc(const CMPIBroker* mb, size_t count, size_t size) { return track
 
 void cmpiFree(const CMPIBroker* mb, void* ptr)
 {
-    if (ptr && Broker::of(mb).counters().untrack(ptr))
-        std::free(ptr);
+    if (ptr && Broker::of(mb).counters().untrack(ptr)) std::free(ptr);
 }
 
 void* cmpiRealloc(const CMPIBroker* mb, void* ptr, size_t size)
 {
-    if (ptr && !Broker::of(mb).counters().untrack(ptr))
-        return nullptr;
+    if (ptr && !Broker::of(mb).counters().untrack(ptr)) return nullptr;
     void* moved = std::realloc(ptr, size);
-    if (!moved && ptr && size)
-        return tracked(mb, ptr), nullptr; // the old allocation stays good
+    if (!moved && ptr && size) return tracked(mb, ptr), nullptr; // the old allocation stays good
     return tracked(mb, moved);
 }
 
@@ -63,10 +60,10 @@ char* cmpiStrDup(const CMPIBroker* mb, const char* str)
     return str ? static_cast<char*>(tracked(mb, strdup(str))) : nullptr;
 }
 
-template <class Abi> void freeObject(const CMPIBroker*, Abi* object)
+template <class Abi>
+void freeObject(const CMPIBroker*, Abi* object)
 {
-    if (object && object->ft)
-        object->ft->release(object);
+    if (object && object->ft) object->ft->release(object);
 }
 
 void freeChars(const CMPIBroker* mb, char* chars) { cmpiFree(mb, chars); }

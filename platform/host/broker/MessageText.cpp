@@ -103,7 +103,10 @@ bool describe(const ObjectHead& head, const void* object, std::string& text)
     case ObjectKind::Args:
         text = "(";
         for (const NamedValue& value : ArgsObject::of(static_cast<const CMPIArgs*>(object)).values)
-            text.append(text.size() > 1 ? ", " : "").append(value.name->text()).append(" = ").append(valueText(value.data));
+            text.append(text.size() > 1 ? ", " : "")
+                .append(value.name->text())
+                .append(" = ")
+                .append(valueText(value.data));
         text += ")";
         return true;
     default:

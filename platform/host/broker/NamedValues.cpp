@@ -10,8 +10,7 @@ namespace KDV::Host {
 const NamedValue* NamedValueList::find(std::string_view name) const noexcept
 {
     for (const NamedValue& value : *this)
-        if (sameName(value.name->text(), name))
-            return &value;
+        if (sameName(value.name->text(), name)) return &value;
     return nullptr;
 }
 
@@ -24,8 +23,7 @@ void setNamed(NamedValueList& list, const Placement& inside, std::string_view na
     if (list.count == list.capacity) {
         const std::uint32_t capacity = list.capacity ? list.capacity * 2 : 8;
         auto* grown = inside.memory->array<NamedValue>(capacity);
-        if (list.count)
-            std::memcpy(static_cast<void*>(grown), list.entries, list.count * sizeof(NamedValue));
+        if (list.count) std::memcpy(static_cast<void*>(grown), list.entries, list.count * sizeof(NamedValue));
         list.entries = grown;
         list.capacity = capacity;
     }
@@ -34,7 +32,8 @@ void setNamed(NamedValueList& list, const Placement& inside, std::string_view na
 
 namespace {
 
-template <class Object> void addNamed(Object& object, std::string_view name, const CMPIValue* value, CMPIType type)
+template <class Object>
+void addNamed(Object& object, std::string_view name, const CMPIValue* value, CMPIType type)
 {
     const Placement inside = Placement::inside(object.head, object.memory);
     CMPIData data;
@@ -42,7 +41,8 @@ template <class Object> void addNamed(Object& object, std::string_view name, con
     setNamed(object.values, inside, name, data);
 }
 
-template <class Object> void addNamedText(Object& object, std::string_view name, std::string_view text)
+template <class Object>
+void addNamedText(Object& object, std::string_view name, std::string_view text)
 {
     const Placement inside = Placement::inside(object.head, object.memory);
     CMPIData data{CMPI_string, CMPI_goodValue, {}};
@@ -61,26 +61,24 @@ template <class Object, class Abi>
 CMPIStatus addEntry(const Abi* self, const char* name, const CMPIValue* value, CMPIType type)
 {
     return change<Object>(self, [&](Object& object) {
-        if (!name)
-            return failed(CMPI_RC_ERR_INVALID_PARAMETER);
+        if (!name) return failed(CMPI_RC_ERR_INVALID_PARAMETER);
         const bool context = object.head.kind == ObjectKind::Context;
         if (context && !value && object.head.broker->profile() == Profile::Pegasus)
             return failed(CMPI_RC_ERR_INVALID_PARAMETER);
         const Placement inside = Placement::inside(object.head, object.memory);
         CMPIData data;
-        if (!copyValue(inside, value, type, data))
-            return failed(CMPI_RC_ERR_INVALID_DATA_TYPE);
+        if (!copyValue(inside, value, type, data)) return failed(CMPI_RC_ERR_INVALID_DATA_TYPE);
         setNamed(object.values, inside, name, data);
         return ok();
     });
 }
 
-template <class Object, class Abi> CMPIData getEntry(const Abi* self, const char* name, CMPIStatus* status)
+template <class Object, class Abi>
+CMPIData getEntry(const Abi* self, const char* name, CMPIStatus* status)
 {
     return answer<Object>(self, status, missing(CMPI_nullValue), [&](Object& object, CMPIStatus& outcome) {
         const NamedValue* found = name ? object.values.find(name) : nullptr;
-        if (found)
-            return found->data;
+        if (found) return found->data;
         outcome = failed(missingCode(object));
         return missing(CMPI_nullValue);
     });
@@ -91,8 +89,7 @@ CMPIData getEntryAt(const Abi* self, CMPICount index, CMPIString** name, CMPISta
 {
     return answer<Object>(self, status, missing(CMPI_nullValue), [&](Object& object, CMPIStatus& outcome) {
         if (index < object.values.count) {
-            if (name)
-                *name = object.values.entries[index].name;
+            if (name) *name = object.values.entries[index].name;
             return object.values.entries[index].data;
         }
         outcome = failed(missingCode(object));
@@ -100,7 +97,8 @@ CMPIData getEntryAt(const Abi* self, CMPICount index, CMPIString** name, CMPISta
     });
 }
 
-template <class Object, class Abi> CMPICount getCount(const Abi* self, CMPIStatus* status)
+template <class Object, class Abi>
+CMPICount getCount(const Abi* self, CMPIStatus* status)
 {
     return answer<Object, CMPICount>(self, status, 0, [](Object& object, CMPIStatus&) { return object.values.count; });
 }
@@ -132,12 +130,8 @@ void ContextObject::addNumber(std::string_view name, CMPIUint32 number)
 
 CMPIArgsFT argsTable(Profile profile)
 {
-    return {objectTableVersion(profile),
-            release<ArgsObject, CMPIArgs>,
-            cloneObject<ArgsObject, CMPIArgs>,
-            addEntry<ArgsObject, CMPIArgs>,
-            getEntry<ArgsObject, CMPIArgs>,
-            getEntryAt<ArgsObject, CMPIArgs>,
+    return {objectTableVersion(profile),    release<ArgsObject, CMPIArgs>,  cloneObject<ArgsObject, CMPIArgs>,
+            addEntry<ArgsObject, CMPIArgs>, getEntry<ArgsObject, CMPIArgs>, getEntryAt<ArgsObject, CMPIArgs>,
             getCount<ArgsObject, CMPIArgs>};
 }
 
@@ -150,10 +144,8 @@ CMPIContextFT contextTable(Profile profile)
                         getEntryAt<ContextObject, CMPIContext>,
                         getCount<ContextObject, CMPIContext>,
                         addEntry<ContextObject, CMPIContext>};
-    if (profile == Profile::Sfcb)
-        table.clone = noContextClone;
-    if (profile == Profile::Pegasus)
-        table.clone = nullptr;
+    if (profile == Profile::Sfcb) table.clone = noContextClone;
+    if (profile == Profile::Pegasus) table.clone = nullptr;
     return table;
 }
 

@@ -38,7 +38,10 @@ StringObject* makeString(const Placement& at, std::string_view text, bool null)
     return object;
 }
 
-ArrayObject* makeArray(const Placement& at, CMPICount size, CMPIType elementType, bool growable)
+namespace {
+
+// Its elements are not filled in yet.
+ArrayObject* blankArray(const Placement& at, CMPICount size, CMPIType elementType, bool growable)
 {
     auto* object = place<ArrayObject>(at, ObjectKind::Array, &at.broker->tables().array);
     object->memory = at.memory;
@@ -47,8 +50,20 @@ ArrayObject* makeArray(const Placement& at, CMPICount size, CMPIType elementType
     object->size = size;
     object->capacity = size;
     object->elements = at.memory->array<CMPIData>(size);
-    for (CMPICount i = 0; i < size; ++i)
-        object->elements[i] = nullData(elementType);
+    return object;
+}
+
+} // namespace
+
+ArrayObject* makeArray(const Placement& at, CMPICount size, CMPIType elementType, bool growable)
+{
+    ArrayObject* object = blankArray(at, size, elementType, growable);
+    for (CMPICount i = 0; i < size; ++i) {
+        CMPIData& element = object->elements[i];
+        element.type = elementType;
+        element.state = CMPI_nullValue;
+        element.value.uint64 = 0;
+    }
     return object;
 }
 
@@ -103,10 +118,13 @@ StringObject* copyOf(const Placement& at, const StringObject& from) { return mak
 
 ArrayObject* copyOf(const Placement& at, const ArrayObject& from)
 {
-    ArrayObject* object = makeArray(at, from.size, from.elementType, false);
+    ArrayObject* object = blankArray(at, from.size, from.elementType, false);
     const Placement inside = Placement::inside(object->head, at.memory);
-    for (CMPICount i = 0; i < from.size; ++i)
-        object->elements[i] = copyData(inside, from.elements[i]);
+    if (isScalar(from.elementType) && from.size)
+        std::memcpy(static_cast<void*>(object->elements), from.elements, from.size * sizeof(CMPIData));
+    else
+        for (CMPICount i = 0; i < from.size; ++i)
+            object->elements[i] = copyData(inside, from.elements[i]);
     return object;
 }
 
@@ -145,36 +163,10 @@ void EnumerationObject::append(const CMPIData& data)
     if (count == capacity) {
         capacity = capacity ? capacity * 2 : 16;
         auto* grown = memory->array<CMPIData>(capacity);
-        if (count)
-            std::memcpy(static_cast<void*>(grown), elements, count * sizeof(CMPIData));
+        if (count) std::memcpy(static_cast<void*>(grown), elements, count * sizeof(CMPIData));
         elements = grown;
     }
     elements[count++] = data;
-}
-
-CMPIValue readScalar(const CMPIValue* value, CMPIType type)
-{
-    CMPIValue result{};
-    switch (type) {
-    case CMPI_boolean:
-    case CMPI_uint8:
-    case CMPI_sint8:
-        std::memcpy(&result, value, 1);
-        break;
-    case CMPI_char16:
-    case CMPI_uint16:
-    case CMPI_sint16:
-        std::memcpy(&result, value, 2);
-        break;
-    case CMPI_uint32:
-    case CMPI_sint32:
-    case CMPI_real32:
-        std::memcpy(&result, value, 4);
-        break;
-    default:
-        std::memcpy(&result, value, 8);
-    }
-    return result;
 }
 
 namespace {
@@ -183,8 +175,7 @@ namespace {
 bool copyObject(const Placement& inside, const CMPIValue& from, CMPIType type, CMPIData& data)
 {
     const auto used = [&](const ObjectHead& head) {
-        if (head.state != ObjectState::Released)
-            return true;
+        if (head.state != ObjectState::Released) return true;
         ++inside.broker->counters().usesAfterRelease;
         return false;
     };
@@ -204,8 +195,7 @@ bool copyObject(const Placement& inside, const CMPIValue& from, CMPIType type, C
     switch (type) {
     case CMPI_string:
         copy(from.string, data.value.string, static_cast<StringObject*>(nullptr));
-        if (data.state == CMPI_goodValue && StringObject::of(data.value.string).isNull)
-            data.state = CMPI_nullValue;
+        if (data.state == CMPI_goodValue && StringObject::of(data.value.string).isNull) data.state = CMPI_nullValue;
         return true;
     case CMPI_dateTime:
         copy(from.dateTime, data.value.dateTime, static_cast<DateTimeObject*>(nullptr));
@@ -221,22 +211,15 @@ bool copyObject(const Placement& inside, const CMPIValue& from, CMPIType type, C
     }
 }
 
-bool isScalar(CMPIType type)
-{
-    return type == CMPI_boolean || type == CMPI_char16 || type == CMPI_real32 || type == CMPI_real64 ||
-           (type >= CMPI_uint8 && type <= CMPI_sint64 && (type & 0xf) == 0 && (type & 0x80));
-}
-
 } // namespace
 
 bool copyValue(const Placement& inside, const CMPIValue* value, CMPIType type, CMPIData& data)
 {
     data = nullData(type);
-    if (!value)
-        return true;
+    if (!value) return true;
     data.state = CMPI_goodValue;
     if (isScalar(type)) {
-        data.value = readScalar(value, type);
+        data.value.uint64 = scalarBits(value, type);
         return true;
     }
     if (type == CMPI_chars) {
@@ -249,6 +232,16 @@ bool copyValue(const Placement& inside, const CMPIValue* value, CMPIType type, C
 
 CMPIData copyData(const Placement& inside, const CMPIData& data)
 {
+    if (data.type == CMPI_string && !isNull(data) && data.value.string) {
+        const StringObject& from = StringObject::of(data.value.string);
+        if (from.head.state != ObjectState::Released && !from.isNull) {
+            CMPIData copy;
+            copy.type = CMPI_string;
+            copy.state = data.state;
+            copy.value.string = makeString(inside, from.text());
+            return copy;
+        }
+    }
     CMPIData copy = data;
     if (!isNull(data) && !isScalar(data.type) && !copyObject(inside, data.value, data.type, copy))
         copy.state = CMPI_nullValue;
@@ -258,8 +251,7 @@ CMPIData copyData(const Placement& inside, const CMPIData& data)
 CMPIData schemaData(const Placement& inside, const SchemaValue& value)
 {
     CMPIData data = nullData(value.type);
-    if (value.isNull)
-        return data;
+    if (value.isNull) return data;
     data.state = CMPI_goodValue;
     if (value.isArray()) {
         const auto elementType = static_cast<CMPIType>(value.type & ~CMPI_ARRAY);

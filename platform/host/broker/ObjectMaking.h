@@ -9,6 +9,8 @@
 #include "broker/SelectExpObject.h"
 #include "broker/Tables.h"
 
+#include <cstring>
+
 namespace KDV::Host {
 
 struct Placement {
@@ -71,16 +73,52 @@ ErrorObject* copyOf(const Placement& at, const ErrorObject& from);
 bool copyValue(const Placement& inside, const CMPIValue* value, CMPIType type, CMPIData& data);
 // The same for a value that this library holds already.
 CMPIData copyData(const Placement& inside, const CMPIData& data);
-// Only the bytes that the type has are read.
-CMPIValue readScalar(const CMPIValue* value, CMPIType type);
+
+// A type whose value is a number or boolean, up to 8 bytes wide.
+constexpr bool isScalar(CMPIType type) noexcept
+{
+    return type == CMPI_boolean || type == CMPI_char16 || type == CMPI_real32 || type == CMPI_real64 ||
+           (type & ~0x70) == 0x80;
+}
+
+// The bytes of such a value, zero-extended: one store of 8 bytes then makes the whole, and no later load of the whole
+// has to wait for parts.
+inline std::uint64_t scalarBits(const CMPIValue* value, CMPIType type) noexcept
+{
+    switch (type) {
+    case CMPI_boolean:
+    case CMPI_uint8:
+    case CMPI_sint8:
+        return value->uint8;
+    case CMPI_char16:
+    case CMPI_uint16:
+    case CMPI_sint16:
+        return value->uint16;
+    case CMPI_uint32:
+    case CMPI_sint32:
+    case CMPI_real32: {
+        std::uint32_t bits;
+        std::memcpy(&bits, value, sizeof bits);
+        return bits;
+    }
+    default: {
+        std::uint64_t bits;
+        std::memcpy(&bits, value, sizeof bits);
+        return bits;
+    }
+    }
+}
 
 void setNamed(NamedValueList& list, const Placement& inside, std::string_view name, const CMPIData& data);
 CMPIData nullData(CMPIType type) noexcept;
+// The place for a value that is now the last one set; its type, state and value are for the caller to fill.
+PropertyEntry& claimProperty(InstanceObject& instance, const PropertyInfo& property);
 // Puts a value into an instance as the last one set; unchecked.
 void storeProperty(InstanceObject& instance, const PropertyInfo& property, const CMPIData& data, bool preset);
 void removeProperty(InstanceObject& instance, PropertyEntry& entry);
 // The default that the class gives the property, inside the instance's memory.
 CMPIData schemaData(const Placement& inside, const SchemaValue& value);
-void bindKey(PathObject& path, std::string_view name, const PropertyInfo* property, const CMPIData& data);
+// The place for the key's value, which the caller fills; an earlier one of the name is replaced.
+CMPIData& bindKey(PathObject& path, std::string_view name, const PropertyInfo* property);
 
 } // namespace KDV::Host

@@ -8,8 +8,7 @@ namespace {
 
 CMPIString* lend(const PathObject& path, StringObject*& lent, std::string_view text)
 {
-    if (!lent)
-        lent = makeString(Placement::inside(path.head, path.memory), text);
+    if (!lent) lent = makeString(Placement::inside(path.head, path.memory), text);
     return lent;
 }
 
@@ -38,9 +37,8 @@ CMPIStatus setHostname(const CMPIObjectPath* self, const char* hn)
 
 CMPIString* getHostname(const CMPIObjectPath* self, CMPIStatus* status)
 {
-    return answer<PathObject, CMPIString*>(self, status, nullptr, [](PathObject& path, CMPIStatus&) {
-        return lend(path, path.lentHost, path.host);
-    });
+    return answer<PathObject, CMPIString*>(
+        self, status, nullptr, [](PathObject& path, CMPIStatus&) { return lend(path, path.lentHost, path.host); });
 }
 
 CMPIStatus setClassName(const CMPIObjectPath* self, const char* cn)
@@ -70,12 +68,10 @@ CMPIString* getClassName(const CMPIObjectPath* self, CMPIStatus* status)
 // The key that the class declares by this name; few, so each is compared.
 const PropertyInfo* declaredKey(const ClassInfo* info, const char* name) noexcept
 {
-    if (!info)
-        return nullptr;
+    if (!info) return nullptr;
     for (int index : info->keys()) {
         const PropertyInfo& property = info->properties()[static_cast<std::size_t>(index)];
-        if (std::strcmp(property.name.c_str(), name) == 0)
-            return &property;
+        if (std::strcmp(property.name.c_str(), name) == 0) return &property;
     }
     const PropertyInfo* other = info->findProperty(name);
     return other && other->key ? other : nullptr;
@@ -115,36 +111,41 @@ CMPIStatus addKey(const CMPIObjectPath* self, const char* key, const CMPIValue* 
 {
     return change<PathObject>(self, [&](PathObject& path) {
         const Profile profile = path.head.broker->profile();
-        if (!key)
-            return failed(CMPI_RC_ERR_INVALID_PARAMETER);
+        if (!key) return failed(CMPI_RC_ERR_INVALID_PARAMETER);
         const PropertyInfo* property = declaredKey(path.classInfo, key);
         const CMPIType stored = type == CMPI_chars ? CMPI_string : type;
         if (profile != Profile::Sfcb) {
-            if (!value)
-                return failed(profile == Profile::Pegasus ? CMPI_RC_ERR_FAILED : CMPI_RC_ERR_INVALID_PARAMETER);
+            if (!value) return failed(profile == Profile::Pegasus ? CMPI_RC_ERR_FAILED : CMPI_RC_ERR_INVALID_PARAMETER);
             const CMPIStatus status = checkKey(path, key, property, stored);
-            if (status.rc != CMPI_RC_OK)
-                return status;
+            if (status.rc != CMPI_RC_OK) return status;
+        }
+        const Placement inside = Placement::inside(path.head, path.memory);
+        if (type == CMPI_chars && value) { // nearly every key
+            CMPIString* text = makeString(inside, reinterpret_cast<const char*>(value));
+            CMPIData& bound = bindKey(path, key, property);
+            bound.type = CMPI_string;
+            bound.state = CMPI_goodValue;
+            bound.value.string = text;
+            return ok();
         }
         CMPIData data;
-        if (!copyValue(Placement::inside(path.head, path.memory), value, type, data))
-            return failed(CMPI_RC_ERR_INVALID_DATA_TYPE);
+        if (!copyValue(inside, value, type, data)) return failed(CMPI_RC_ERR_INVALID_DATA_TYPE);
         if (profile != Profile::Sfcb && property && data.type != property->type) {
-            if (data.type == CMPI_real64)
-                data.value.real32 = static_cast<CMPIReal32>(data.value.real64);
+            if (data.type == CMPI_real64) data.value.real32 = static_cast<CMPIReal32>(data.value.real64);
             data.type = property->type;
         }
-        bindKey(path, key, property, data);
+        bindKey(path, key, property) = data;
         return ok();
     });
 }
 
-CMPIData asRead(const PathObject& path, CMPIData data) noexcept
+CMPIData asRead(const PathObject& path, const CMPIData& held) noexcept
 {
     const Profile profile = path.head.broker->profile();
-    if (profile == Profile::Sfcb)
-        return data;
-    data.state = static_cast<CMPIValueState>(data.state | CMPI_keyValue);
+    CMPIData data;
+    data.type = held.type;
+    data.state = profile == Profile::Sfcb ? held.state : static_cast<CMPIValueState>(held.state | CMPI_keyValue);
+    data.value = held.value;
     if (profile != Profile::Pegasus || (data.type & CMPI_ARRAY) || data.type >= 0x100 || !(data.type & 0x80))
         return data;
     switch (data.type) {
@@ -177,8 +178,7 @@ CMPIData getKey(const CMPIObjectPath* self, const char* key, CMPIStatus* status)
 {
     return answer<PathObject>(self, status, missing(CMPI_nullValue), [&](PathObject& path, CMPIStatus& outcome) {
         const KeyBinding* found = key ? path.findKey(key) : nullptr;
-        if (found)
-            return asRead(path, found->data);
+        if (found) return asRead(path, found->data);
         outcome = failed(path.head.broker->profile() == Profile::Standard ? CMPI_RC_ERR_NO_SUCH_PROPERTY
                                                                           : CMPI_RC_ERR_NOT_FOUND);
         return missing(CMPI_nullValue);
@@ -194,24 +194,21 @@ CMPIData getKeyAt(const CMPIObjectPath* self, CMPICount index, CMPIString** name
             return missing(CMPI_nullValue);
         }
         KeyBinding& key = path.keys[index];
-        if (name)
-            *name = lend(path, key.lentName, key.name);
+        if (name) *name = lend(path, key.lentName, key.name);
         return asRead(path, key.data);
     });
 }
 
 CMPICount getKeyCount(const CMPIObjectPath* self, CMPIStatus* status)
 {
-    return answer<PathObject, CMPICount>(self, status, 0,
-                                         [](PathObject& path, CMPIStatus&) { return path.keyCount; });
+    return answer<PathObject, CMPICount>(self, status, 0, [](PathObject& path, CMPIStatus&) { return path.keyCount; });
 }
 
 CMPIStatus setNameSpaceFromObjectPath(const CMPIObjectPath* self, const CMPIObjectPath* src)
 {
     return change<PathObject>(self, [&](PathObject& path) {
         const PathObject* from = argument<PathObject>(src);
-        if (!from)
-            return failed(CMPI_RC_ERR_INVALID_PARAMETER);
+        if (!from) return failed(CMPI_RC_ERR_INVALID_PARAMETER);
         path.setNameSpace(from->nameSpace);
         return ok();
     });
@@ -221,8 +218,7 @@ CMPIStatus setHostAndNameSpaceFromObjectPath(const CMPIObjectPath* self, const C
 {
     return change<PathObject>(self, [&](PathObject& path) {
         const PathObject* from = argument<PathObject>(src);
-        if (!from)
-            return failed(CMPI_RC_ERR_INVALID_PARAMETER);
+        if (!from) return failed(CMPI_RC_ERR_INVALID_PARAMETER);
         path.setNameSpace(from->nameSpace);
         path.setHost(from->host);
         return ok();
@@ -274,8 +270,7 @@ CMPIData getParameterQualifier(const CMPIObjectPath* self, const char* mName, co
         const QualifierList* list = nullptr;
         if (const MethodInfo* method = methodOf(path, mName))
             for (const ParameterInfo& parameter : method->parameters)
-                if (pName && sameName(parameter.name, pName))
-                    list = &parameter.qualifiers;
+                if (pName && sameName(parameter.name, pName)) list = &parameter.qualifiers;
         return qualifierData(path, list, qName, outcome);
     });
 }
@@ -316,8 +311,7 @@ CMPIObjectPathFT pathTable(Profile profile)
         table.getMethodQualifier = nullptr;
         table.getParameterQualifier = nullptr;
     }
-    if (profile == Profile::Pegasus)
-        table.getPropertyQualifier = nullptr;
+    if (profile == Profile::Pegasus) table.getPropertyQualifier = nullptr;
     return table;
 }
 

@@ -1,5 +1,5 @@
-// An object path: class, namespace, host and keys in the order they were added. Texts live in the memory of the path (or
-// are the names of its class). Made by a RequestScope; one thread at a time.
+// An object path: class, namespace, host and keys in the order they were added. Texts live in the memory of the path
+// (or are the names of its class). Made by a RequestScope; one thread at a time.
 #pragma once
 
 #include "broker/Values.h"

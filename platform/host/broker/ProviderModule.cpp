@@ -32,8 +32,7 @@ ProviderModule::ProviderModule(const std::string& location, const std::string& d
         throw std::runtime_error(why ? why : "cannot load " + _file);
     }
     for (const char* symbol : {instanceFactory, associationFactory, methodFactory, indicationFactory})
-        if (dlsym(_library, symbol))
-            return;
+        if (dlsym(_library, symbol)) return;
     dlclose(_library);
     throw std::runtime_error(_file + " has none of the factories " + instanceFactory + ", " + associationFactory +
                              ", " + methodFactory + ", " + indicationFactory);
@@ -46,8 +45,7 @@ Outcome ProviderModule::make(Broker& broker, const char* symbol, const std::stri
 {
     using Factory = MI* (*)(const CMPIBroker*, const CMPIContext*, const char*, CMPIStatus*);
     void* found = dlsym(_library, symbol);
-    if (table || !found)
-        return {};
+    if (table || !found) return {};
     RequestScope scope(broker);
     ContextObject& context = scope.context();
     if (broker.profile() == Profile::Sfcb) {
@@ -63,33 +61,27 @@ Outcome ProviderModule::make(Broker& broker, const char* symbol, const std::stri
     }
     const CMPIrc rc = status.rc == CMPI_RC_OK ? CMPI_RC_ERR_FAILED : status.rc;
     std::string text = textOfMessage(status);
-    if (text.empty())
-        text = std::string(symbol) + " gave no provider for the name \"" + name + "\"";
+    if (text.empty()) text = std::string(symbol) + " gave no provider for the name \"" + name + "\"";
     return {rc, std::move(text)};
 }
 
 Outcome ProviderModule::create(Broker& broker, const std::string& providerName)
 {
     Outcome outcome = make(broker, instanceFactory, providerName, _instance);
-    if (outcome.rc == CMPI_RC_OK)
-        outcome = make(broker, associationFactory, providerName, _association);
-    if (outcome.rc == CMPI_RC_OK)
-        outcome = make(broker, methodFactory, providerName, _method);
-    if (outcome.rc == CMPI_RC_OK)
-        outcome = make(broker, indicationFactory, providerName, _indication);
+    if (outcome.rc == CMPI_RC_OK) outcome = make(broker, associationFactory, providerName, _association);
+    if (outcome.rc == CMPI_RC_OK) outcome = make(broker, methodFactory, providerName, _method);
+    if (outcome.rc == CMPI_RC_OK) outcome = make(broker, indicationFactory, providerName, _indication);
     return outcome;
 }
 
-template <class MI> void ProviderModule::end(Broker& broker, bool terminating, MI*& table, Outcome& worst)
+template <class MI>
+void ProviderModule::end(Broker& broker, bool terminating, MI*& table, Outcome& worst)
 {
-    if (!table)
-        return;
+    if (!table) return;
     RequestScope scope(broker);
     const CMPIStatus status = table->ft->cleanup(table, &scope.context(), terminating);
-    if (status.rc != CMPI_RC_OK && worst.rc == CMPI_RC_OK)
-        worst = {status.rc, textOfMessage(status)};
-    if (terminating)
-        table = nullptr;
+    if (status.rc != CMPI_RC_OK && worst.rc == CMPI_RC_OK) worst = {status.rc, textOfMessage(status)};
+    if (terminating) table = nullptr;
 }
 
 Outcome ProviderModule::cleanup(Broker& broker, bool terminating)

@@ -3,8 +3,8 @@
 // The library stays mapped for the life of the process: its threads may still be on their way out.
 #pragma once
 
-#include "cmpi/ProviderTables.h"
 #include "broker/Broker.h"
+#include "cmpi/ProviderTables.h"
 
 #include <string>
 
@@ -19,8 +19,8 @@ public:
     ProviderModule(const ProviderModule&) = delete;
     ProviderModule& operator=(const ProviderModule&) = delete;
 
-    // Calls each factory that has not given a table yet, in the order instance, association, method, indication, each in
-    // a scope of its own with the context that the profile's server passes. The first failure is returned (with the
+    // Calls each factory that has not given a table yet, in the order instance, association, method, indication, each
+    // in a scope of its own with the context that the profile's server passes. The first failure is returned (with the
     // provider's text); what was made before stays, and a later call tries the rest again.
     Outcome create(Broker& broker, const std::string& providerName);
 
@@ -35,8 +35,10 @@ public:
     const std::string& file() const noexcept { return _file; }
 
 private:
-    template <class MI> Outcome make(Broker& broker, const char* symbol, const std::string& name, MI*& table);
-    template <class MI> void end(Broker& broker, bool terminating, MI*& table, Outcome& worst);
+    template <class MI>
+    Outcome make(Broker& broker, const char* symbol, const std::string& name, MI*& table);
+    template <class MI>
+    void end(Broker& broker, bool terminating, MI*& table, Outcome& worst);
 
     std::string _file;
     void* _library = nullptr;

@@ -8,7 +8,8 @@
 
 namespace KDV::Host {
 
-// The scopes of one thread. `own` are the scopes that Sfcb gives to threads without a request; they end with the thread.
+// The scopes of one thread. `own` are the scopes that Sfcb gives to threads without a request; they end with the
+// thread.
 struct RequestScope::ThreadScopes {
     RequestScope* innermost = nullptr;
     std::vector<std::unique_ptr<RequestScope>> own;
@@ -38,8 +39,7 @@ RequestScope::~RequestScope()
         RequestScope** link = &threadScopes().innermost;
         while (*link && *link != this)
             link = &(*link)->_outer;
-        if (*link)
-            *link = _outer;
+        if (*link) *link = _outer;
     }
     Broker::Counters& counters = *_counters;
     const std::lock_guard lock(counters.mutex);
@@ -58,8 +58,7 @@ RequestScope* RequestScope::threadScope(Broker& broker)
 {
     ThreadScopes& scopes = threadScopes();
     for (const auto& scope : scopes.own)
-        if (scope->_counters == broker.sharedCounters())
-            return scope.get();
+        if (scope->_counters == broker.sharedCounters()) return scope.get();
     scopes.own.push_back(std::unique_ptr<RequestScope>(new RequestScope(broker, OfThread{})));
     return scopes.own.back().get();
 }
@@ -71,11 +70,9 @@ RequestScope* RequestScope::current(const Broker& broker) noexcept
     for (RequestScope* scope = threadScopes().innermost; scope; scope = scope->_outer)
         if (&scope->_broker == &broker) {
             found = scope;
-            if (!outermost)
-                break;
+            if (!outermost) break;
         }
-    if (found || !outermost)
-        return found;
+    if (found || !outermost) return found;
     try {
         return threadScope(const_cast<Broker&>(broker));
     } catch (...) {
@@ -85,18 +82,15 @@ RequestScope* RequestScope::current(const Broker& broker) noexcept
 
 const ClassInfo* RequestScope::findClass(std::string_view nameSpace, std::string_view className, bool& nameSpaceKnown)
 {
-    if (nameSpace.empty())
-        nameSpace = _nameSpace;
+    if (nameSpace.empty()) nameSpace = _nameSpace;
     if (!_lastNameSpace || nameSpace != _lastNameSpaceText) {
         _lastNameSpace = _broker.repository().findNamespace(nameSpace);
         _lastNameSpaceText = nameSpace;
         _lastClass = nullptr;
     }
     nameSpaceKnown = _lastNameSpace != nullptr;
-    if (!_lastNameSpace)
-        return nullptr;
-    if (!_lastClass || _lastClass->name() != className)
-        _lastClass = _lastNameSpace->find(className);
+    if (!_lastNameSpace) return nullptr;
+    if (!_lastClass || _lastClass->name() != className) _lastClass = _lastNameSpace->find(className);
     return _lastClass;
 }
 

@@ -1,6 +1,6 @@
 // One provider call on one thread: owns every object that the call makes and frees what is left at its end. The host
-// puts one on the stack around each call of a provider function (factory and cleanup included); scopes of a thread nest.
-// Attached provider threads get theirs from the broker. Never shared between threads.
+// puts one on the stack around each call of a provider function (factory and cleanup included); scopes of a thread
+// nest. Attached provider threads get theirs from the broker. Never shared between threads.
 #pragma once
 
 #include "broker/Broker.h"
@@ -49,10 +49,8 @@ public:
     {
         const auto index = static_cast<unsigned>(kind);
         ++_made[index];
-        if (++_live[index] > _maxLive[index])
-            _maxLive[index] = _live[index];
-        if (++_liveAll > _maxLiveAll)
-            _maxLiveAll = _liveAll;
+        if (++_live[index] > _maxLive[index]) _maxLive[index] = _live[index];
+        if (++_liveAll > _maxLiveAll) _maxLiveAll = _liveAll;
     }
     void uncount(ObjectKind kind) noexcept
     {

@@ -19,8 +19,7 @@ using EvaluatorHandle = std::shared_ptr<const SelectEvaluator>;
 
 CMPIStatus releaseSelectExp(CMPISelectExp* self)
 {
-    if (!self || !self->hdl)
-        return failed(CMPI_RC_ERR_INVALID_HANDLE);
+    if (!self || !self->hdl) return failed(CMPI_RC_ERR_INVALID_HANDLE);
     auto& expression = *static_cast<SelectExpObject*>(self);
     if (expression.head.state == ObjectState::Clone && expression.evaluator) {
         const_cast<EvaluatorHandle*>(expression.evaluator)->~EvaluatorHandle();
@@ -45,8 +44,7 @@ CMPIBoolean evaluate(const CMPISelectExp* self, const CMPIInstance* inst, CMPISt
 {
     return evaluateWith(self, status, [&](const SelectEvaluator& evaluator, CMPIStatus& outcome) {
         const InstanceObject* instance = argument<InstanceObject>(inst);
-        if (!instance)
-            outcome = failed(CMPI_RC_ERR_INVALID_PARAMETER);
+        if (!instance) outcome = failed(CMPI_RC_ERR_INVALID_PARAMETER);
         return instance && evaluator.matches(*instance);
     });
 }
@@ -54,8 +52,7 @@ CMPIBoolean evaluate(const CMPISelectExp* self, const CMPIInstance* inst, CMPISt
 CMPIBoolean evaluateUsingAccessor(const CMPISelectExp* self, CMPIAccessor* accessor, void* parm, CMPIStatus* status)
 {
     return evaluateWith(self, status, [&](const SelectEvaluator& evaluator, CMPIStatus& outcome) {
-        if (!accessor)
-            outcome = failed(CMPI_RC_ERR_INVALID_PARAMETER);
+        if (!accessor) outcome = failed(CMPI_RC_ERR_INVALID_PARAMETER);
         return accessor && evaluator.matches(accessor, parm);
     });
 }

@@ -13,8 +13,7 @@ namespace {
 
 char* resolveFileName(const char* libName)
 {
-    if (!libName)
-        return nullptr;
+    if (!libName) return nullptr;
     const std::string name = std::string("lib") + libName + ".so";
     return strdup(name.c_str());
 }
@@ -32,10 +31,8 @@ pthread_t threadOf(CMPI_THREAD_TYPE thread)
 CMPI_THREAD_TYPE newThread(CMPIThreadFunc start, void* parm, int detached)
 {
     pthread_t id{};
-    if (pthread_create(&id, nullptr, start, parm) != 0)
-        return nullptr;
-    if (detached)
-        pthread_detach(id);
+    if (pthread_create(&id, nullptr, start, parm) != 0) return nullptr;
+    if (detached) pthread_detach(id);
     CMPI_THREAD_TYPE thread = nullptr;
     std::memcpy(&thread, &id, sizeof id);
     return thread;
@@ -49,8 +46,7 @@ int threadSleep(CMPIUint32 msec)
 {
     std::timespec left{static_cast<std::time_t>(msec / 1000), static_cast<long>(msec % 1000) * 1000000};
     while (nanosleep(&left, &left) != 0)
-        if (errno != EINTR)
-            return errno;
+        if (errno != EINTR) return errno;
     return 0;
 }
 
@@ -111,7 +107,10 @@ void destroyCondition(CMPI_COND_TYPE cond)
     pthread_cond_destroy(conditionOf(cond));
     delete conditionOf(cond);
 }
-int condWait(CMPI_COND_TYPE cond, CMPI_MUTEX_TYPE mutex) { return pthread_cond_wait(conditionOf(cond), mutexOf(mutex)); }
+int condWait(CMPI_COND_TYPE cond, CMPI_MUTEX_TYPE mutex)
+{
+    return pthread_cond_wait(conditionOf(cond), mutexOf(mutex));
+}
 int timedCondWait(CMPI_COND_TYPE cond, CMPI_MUTEX_TYPE mutex, struct timespec* wait)
 {
     return pthread_cond_timedwait(conditionOf(cond), mutexOf(mutex), wait);
@@ -143,31 +142,11 @@ int sleepUntil(CMPI_COND_TYPE, CMPI_MUTEX_TYPE, struct timespec* wait)
 
 CMPIBrokerExtFT systemTable(Profile profile)
 {
-    CMPIBrokerExtFT table{CMPIVersion200,
-                          resolveFileName,
-                          newThread,
-                          joinThread,
-                          exitThread,
-                          cancelThread,
-                          threadSleep,
-                          threadOnce,
-                          createThreadKey,
-                          destroyThreadKey,
-                          getThreadSpecific,
-                          setThreadSpecific,
-                          newMutex,
-                          destroyMutex,
-                          lockMutex,
-                          unlockMutex,
-                          newCondition,
-                          destroyCondition,
-                          condWait,
-                          timedCondWait,
-                          signalCondition,
-                          nullptr,
-                          nullptr,
-                          nullptr,
-                          nullptr};
+    CMPIBrokerExtFT table{CMPIVersion200,    resolveFileName,   newThread,        joinThread,      exitThread,
+                          cancelThread,      threadSleep,       threadOnce,       createThreadKey, destroyThreadKey,
+                          getThreadSpecific, setThreadSpecific, newMutex,         destroyMutex,    lockMutex,
+                          unlockMutex,       newCondition,      destroyCondition, condWait,        timedCondWait,
+                          signalCondition,   nullptr,           nullptr,          nullptr,         nullptr};
     if (profile == Profile::Sfcb) {
         table.joinThread = nullptr;
         table.exitThread = nullptr;

@@ -10,7 +10,8 @@
 namespace KDV::Host {
 
 // A table in memory of exactly the size that version 2.0 gives it, so that checkers see a read of a later slot.
-template <class Table> class SizedTable {
+template <class Table>
+class SizedTable {
 public:
     SizedTable(const Table& table, std::size_t size);
     ~SizedTable() { ::operator delete(_at); }

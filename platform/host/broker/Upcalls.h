@@ -2,8 +2,8 @@
 // Broker, which does not own them. Called on the provider's thread, from several threads at once.
 #pragma once
 
-#include "cmpi/Objects.h"
 #include "broker/ResultSink.h"
+#include "cmpi/Objects.h"
 
 #include <memory>
 #include <string>
@@ -51,7 +51,8 @@ public:
 class IndicationSink {
 public:
     virtual ~IndicationSink();
-    virtual Outcome deliver(const CMPIContext* context, std::string_view nameSpace, const InstanceObject& indication) = 0;
+    virtual Outcome deliver(const CMPIContext* context, std::string_view nameSpace,
+                            const InstanceObject& indication) = 0;
 };
 
 // A compiled query, for select expressions.

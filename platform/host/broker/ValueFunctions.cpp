@@ -14,8 +14,7 @@ Memory* memoryOf(StringObject& string) noexcept
 
 CMPIStatus releaseString(CMPIString* self)
 {
-    if (!self || !self->hdl)
-        return failed(CMPI_RC_ERR_INVALID_HANDLE);
+    if (!self || !self->hdl) return failed(CMPI_RC_ERR_INVALID_HANDLE);
     auto& string = *static_cast<StringObject*>(self);
     return releaseObject(string.head, memoryOf(string));
 }
@@ -41,10 +40,8 @@ CMPIType getSimpleType(const CMPIArray* self, CMPIStatus* status)
 CMPIData getElementAt(const CMPIArray* self, CMPICount index, CMPIStatus* status)
 {
     return answer<ArrayObject>(self, status, missing(CMPI_nullValue), [&](ArrayObject& array, CMPIStatus& outcome) {
-        if (index < array.size)
-            return array.elements[index];
-        if (array.head.broker->profile() == Profile::Sfcb)
-            return missing(CMPI_badValue);
+        if (index < array.size) return array.elements[index];
+        if (array.head.broker->profile() == Profile::Sfcb) return missing(CMPI_badValue);
         outcome = failed(CMPI_RC_ERR_NO_SUCH_PROPERTY);
         return missing(CMPI_nullValue);
     });
@@ -55,8 +52,7 @@ void growTo(ArrayObject& array, CMPICount size)
     if (size > array.capacity) {
         const CMPICount capacity = array.capacity < 8 ? 8 : array.capacity * 2;
         auto* grown = array.memory->array<CMPIData>(capacity);
-        if (array.size)
-            std::memcpy(static_cast<void*>(grown), array.elements, array.size * sizeof(CMPIData));
+        if (array.size) std::memcpy(static_cast<void*>(grown), array.elements, array.size * sizeof(CMPIData));
         array.elements = grown;
         array.capacity = capacity;
     }
@@ -68,13 +64,18 @@ void growTo(ArrayObject& array, CMPICount size)
 // copies.
 CMPIStatus storeElement(ArrayObject& array, CMPICount index, const CMPIValue* value, CMPIType type)
 {
+    if (value && isScalar(type)) {
+        CMPIData& element = array.elements[index];
+        element.state = CMPI_goodValue;
+        element.value.uint64 = scalarBits(value, type);
+        return ok();
+    }
     CMPIData data = nullData(type);
     const bool byPointer = array.head.broker->profile() != Profile::Standard && (type & CMPI_ENC) && type != CMPI_chars;
     if (byPointer && value) {
         data.state = CMPI_goodValue;
         std::memcpy(&data.value, value, sizeof(void*));
-        if (!data.value.string)
-            data.state = CMPI_nullValue;
+        if (!data.value.string) data.state = CMPI_nullValue;
     } else if (!copyValue(Placement::inside(array.head, array.memory), value, type, data)) {
         return failed(CMPI_RC_ERR_TYPE_MISMATCH);
     }
@@ -84,8 +85,7 @@ CMPIStatus storeElement(ArrayObject& array, CMPICount index, const CMPIValue* va
 
 bool elementTypeFits(const ArrayObject& array, CMPIType type) noexcept
 {
-    if (type == array.elementType)
-        return true;
+    if (type == array.elementType) return true;
     return array.head.broker->profile() != Profile::Pegasus && type == CMPI_chars && array.elementType == CMPI_string;
 }
 
@@ -102,8 +102,7 @@ CMPIStatus setElementAt(const CMPIArray* self, CMPICount index, const CMPIValue*
             array.elements[index] = nullData(array.elementType);
             return ok();
         }
-        if (!value && profile == Profile::Pegasus)
-            return failed(CMPI_RC_ERR_INVALID_PARAMETER);
+        if (!value && profile == Profile::Pegasus) return failed(CMPI_RC_ERR_INVALID_PARAMETER);
         if (!elementTypeFits(array, type))
             return failedWith(*array.head.broker,
                               profile == Profile::Sfcb ? CMPI_RC_ERR_FAILED : CMPI_RC_ERR_TYPE_MISMATCH,
@@ -114,15 +113,15 @@ CMPIStatus setElementAt(const CMPIArray* self, CMPICount index, const CMPIValue*
 
 CMPIData getNext(const CMPIEnumeration* self, CMPIStatus* status)
 {
-    return answer<EnumerationObject>(
-        self, status, missing(CMPI_nullValue), [](EnumerationObject& enumeration, CMPIStatus& outcome) {
-            if (enumeration.next < enumeration.count)
-                return enumeration.elements[enumeration.next++];
-            if (enumeration.head.broker->profile() == Profile::Sfcb)
-                return missing(CMPI_badValue);
-            outcome = failed(CMPI_RC_NO_MORE_ELEMENTS);
-            return missing(CMPI_nullValue);
-        });
+    return answer<EnumerationObject>(self, status, missing(CMPI_nullValue),
+                                     [](EnumerationObject& enumeration, CMPIStatus& outcome) {
+                                         if (enumeration.next < enumeration.count)
+                                             return enumeration.elements[enumeration.next++];
+                                         if (enumeration.head.broker->profile() == Profile::Sfcb)
+                                             return missing(CMPI_badValue);
+                                         outcome = failed(CMPI_RC_NO_MORE_ELEMENTS);
+                                         return missing(CMPI_nullValue);
+                                     });
 }
 
 CMPIBoolean hasNext(const CMPIEnumeration* self, CMPIStatus* status)
@@ -161,8 +160,13 @@ CMPIStringFT stringTable(Profile profile)
 
 CMPIArrayFT arrayTable(Profile profile)
 {
-    return {objectTableVersion(profile), release<ArrayObject, CMPIArray>, cloneObject<ArrayObject, CMPIArray>, getSize,
-            getSimpleType, getElementAt, setElementAt};
+    return {objectTableVersion(profile),
+            release<ArrayObject, CMPIArray>,
+            cloneObject<ArrayObject, CMPIArray>,
+            getSize,
+            getSimpleType,
+            getElementAt,
+            setElementAt};
 }
 
 CMPIEnumerationFT enumerationTable(Profile profile)

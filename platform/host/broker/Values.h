@@ -2,9 +2,9 @@
 // lent by the object they are part of. Reading through these types goes round the C tables; a host's serialiser does.
 #pragma once
 
-#include "cmpi/Objects.h"
 #include "broker/Memory.h"
 #include "broker/ObjectHead.h"
+#include "cmpi/Objects.h"
 
 #include <string_view>
 
@@ -17,7 +17,10 @@ struct StringObject : CMPIString {
 
     const char* chars() const noexcept { return reinterpret_cast<const char*>(this + 1); } // ends with a NUL
     std::string_view text() const noexcept { return {chars(), length}; }
-    static const StringObject& of(const CMPIString* string) noexcept { return *static_cast<const StringObject*>(string); }
+    static const StringObject& of(const CMPIString* string) noexcept
+    {
+        return *static_cast<const StringObject*>(string);
+    }
 };
 
 struct ArrayObject : CMPIArray {

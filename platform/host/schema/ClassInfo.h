@@ -42,19 +42,20 @@ private:
     std::vector<QualifierInfo> _all;
 };
 
+// What every setting and every reply reads stands first, in one cache line.
 struct PropertyInfo {
     std::string name;
-    CMPIType type = CMPI_null;         // with CMPI_ARRAY for arrays; CMPI_instance for embedded instances and objects
-    std::string referenceClass;        // of references; else empty
-    std::uint32_t arraySize = 0;       // 0: any length
+    CMPIType type = CMPI_null; // with CMPI_ARRAY for arrays; CMPI_instance for embedded instances and objects
     bool key = false;
     bool propagated = false;           // not (re)declared by the class that lists it
     int index = -1;                    // place in ClassInfo::properties(); -1: no class declares it
+    std::uint32_t arraySize = 0;       // 0: any length
     const ClassInfo* origin = nullptr; // the topmost class that declares it
+    std::string referenceClass;        // of references; else empty
     SchemaValue defaultValue;          // isNull: no default, or a default overridden with NULL
-    std::string file;                  // where it is declared, for messages
-    unsigned line = 0;
     QualifierList qualifiers;
+    std::string file; // where it is declared, for messages
+    unsigned line = 0;
 
     bool isArray() const noexcept { return (type & CMPI_ARRAY) != 0; }
     bool isReference() const noexcept { return (type & ~CMPI_ARRAY) == CMPI_ref; }
@@ -134,8 +135,9 @@ private:
     QualifierList _qualifiers;
     std::vector<std::int16_t> _table; // open addressing, -1 is free; the size is a power of two
     std::vector<std::string_view> _names;
-    // What was set after each property last time, at place previous + 1.
-    std::unique_ptr<std::atomic<std::int16_t>[]> _next;
+    // What followed each property the last two times, at place previous + 1: the later one in the low half. Two, since
+    // the keys of a path are often set first and once more in the order of the class's rows.
+    std::unique_ptr<std::atomic<std::uint32_t>[]> _next;
 };
 
 inline bool isA(const ClassInfo* derived, const ClassInfo* base) noexcept

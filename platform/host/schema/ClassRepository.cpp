@@ -33,8 +33,7 @@ std::string contentOf(const std::filesystem::path& file)
     std::ifstream in(file, std::ios::binary);
     std::ostringstream text;
     text << in.rdbuf();
-    if (!in)
-        throw MofError(file.string(), 0, std::string("cannot be read: ") + std::strerror(errno));
+    if (!in) throw MofError(file.string(), 0, std::string("cannot be read: ") + std::strerror(errno));
     return text.str();
 }
 
@@ -46,8 +45,7 @@ struct ClassRepository::Loaded {
     void file(ClassRepository& repository, Namespace& into, const std::filesystem::path& path, unsigned depth)
     {
         const std::filesystem::path real = std::filesystem::weakly_canonical(path);
-        if (!files.insert({&into, real.string()}).second)
-            return;
+        if (!files.insert({&into, real.string()}).second) return;
         const std::string mof = contentOf(path);
         text(repository, into, mof, path.string(), path.parent_path(), depth);
     }
@@ -81,8 +79,7 @@ std::vector<const ClassInfo*> Namespace::subclasses(const ClassInfo* base, bool 
     std::vector<const ClassInfo*> result;
     for (const auto& info : _classes) {
         const bool below = base ? info.get() != base && info->isA(*base) : true;
-        if (below && (deep || info->superclass() == base))
-            result.push_back(info.get());
+        if (below && (deep || info->superclass() == base)) result.push_back(info.get());
     }
     return result;
 }
@@ -94,8 +91,7 @@ Namespace& ClassRepository::addNamespace(std::string_view name)
 {
     name = trimmed(name);
     for (auto& [known, nameSpace] : _names)
-        if (sameName(known, name))
-            return *nameSpace;
+        if (sameName(known, name)) return *nameSpace;
     _namespaces.push_back(std::unique_ptr<Namespace>(new Namespace(std::string(name))));
     _names.emplace_back(std::string(name), _namespaces.back().get());
     return *_namespaces.back();
@@ -104,16 +100,14 @@ Namespace& ClassRepository::addNamespace(std::string_view name)
 void ClassRepository::addAlias(std::string_view alias, std::string_view name)
 {
     Namespace& nameSpace = addNamespace(name);
-    if (!findNamespace(alias))
-        _names.emplace_back(std::string(trimmed(alias)), &nameSpace);
+    if (!findNamespace(alias)) _names.emplace_back(std::string(trimmed(alias)), &nameSpace);
 }
 
 const Namespace* ClassRepository::findNamespace(std::string_view name) const noexcept
 {
     name = trimmed(name);
     for (const auto& [known, nameSpace] : _names)
-        if (sameName(known, name))
-            return nameSpace;
+        if (sameName(known, name)) return nameSpace;
     return nullptr;
 }
 
@@ -138,15 +132,13 @@ void ClassRepository::checkReferences() const
     for (const auto& nameSpace : _namespaces)
         for (const auto& info : nameSpace->_classes)
             for (const PropertyInfo& property : info->properties()) {
-                if (!property.isReference())
-                    continue;
+                if (!property.isReference()) continue;
                 const auto fail = [&](const std::string& what) {
                     throw MofError(property.file, property.line,
                                    "the reference " + info->name() + "." + property.name + " " + what);
                 };
                 const ClassInfo* target = nameSpace->find(property.referenceClass);
-                if (!target)
-                    fail("names the class \"" + property.referenceClass + "\", which is not declared");
+                if (!target) fail("names the class \"" + property.referenceClass + "\", which is not declared");
                 const ClassInfo* above = info->superclass();
                 const PropertyInfo* overridden = above ? above->findProperty(property.name) : nullptr;
                 const ClassInfo* wider = overridden ? nameSpace->find(overridden->referenceClass) : nullptr;

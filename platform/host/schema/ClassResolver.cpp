@@ -11,15 +11,15 @@ constexpr std::size_t mostProperties = 4096;
 void inheritQualifiers(QualifierList& own, const QualifierList& inherited)
 {
     for (const QualifierInfo& qualifier : inherited) {
-        if (!qualifier.toSubclass || own.find(qualifier.name))
-            continue;
+        if (!qualifier.toSubclass || own.find(qualifier.name)) continue;
         QualifierInfo copy = qualifier;
         copy.propagated = true;
         own.add(std::move(copy));
     }
 }
 
-template <class Feature> void markInherited(Feature& feature)
+template <class Feature>
+void markInherited(Feature& feature)
 {
     QualifierList kept;
     inheritQualifiers(kept, feature.qualifiers);
@@ -37,8 +37,7 @@ bool isEmbedded(const QualifierList& qualifiers)
 const QualifierInfo* ClassResolver::qualifier(std::string_view name) const noexcept
 {
     for (const QualifierInfo& declared : _nameSpace._qualifiers)
-        if (sameName(declared.name, name))
-            return &declared;
+        if (sameName(declared.name, name)) return &declared;
     return nullptr;
 }
 
@@ -87,8 +86,7 @@ void ClassResolver::addProperty(ClassInfo& info, PropertyDeclaration&& declared,
         info._properties.push_back(std::move(property));
         return;
     }
-    if (!old->propagated)
-        fail("the property " + property.name + " is declared twice in " + info._name);
+    if (!old->propagated) fail("the property " + property.name + " is declared twice in " + info._name);
     if (old->elementType() == CMPI_instance && property.elementType() == CMPI_string)
         property.type = static_cast<CMPIType>(CMPI_instance | (property.type & CMPI_ARRAY));
     if (old->type != property.type)
@@ -97,8 +95,7 @@ void ClassResolver::addProperty(ClassInfo& info, PropertyDeclaration&& declared,
     inheritQualifiers(property.qualifiers, old->qualifiers);
     property.key = property.key || old->key;
     property.origin = old->origin;
-    if (!declared.hasDefault)
-        property.defaultValue = old->defaultValue;
+    if (!declared.hasDefault) property.defaultValue = old->defaultValue;
     *old = std::move(property);
 }
 
@@ -140,8 +137,7 @@ const ClassInfo& ClassResolver::add(ClassDeclaration&& declaration)
     info->_nameSpace = &_nameSpace;
     info->_number = _repository._classCount;
     info->_qualifiers = std::move(declaration.qualifiers);
-    if (superclass)
-        inherit(*info, *superclass);
+    if (superclass) inherit(*info, *superclass);
     info->_ancestors.push_back(info.get());
     for (PropertyDeclaration& property : declaration.properties)
         addProperty(*info, std::move(property), declaration);
@@ -152,8 +148,7 @@ const ClassInfo& ClassResolver::add(ClassDeclaration&& declaration)
     info->_indication = info->_qualifiers.isTrue("Indication");
     info->indexProperties();
     ++_repository._classCount;
-    if (superclass)
-        superclass->_subclasses.push_back(info.get());
+    if (superclass) superclass->_subclasses.push_back(info.get());
     ClassInfo& added = *info;
     _nameSpace._classes.push_back(std::move(info));
     _nameSpace._byName.emplace(added._name, &added);

@@ -1,5 +1,5 @@
-// Adds a declared class to its namespace: takes over what it inherits, puts overrides in place and checks that they fit.
-// One for each loading thread's call; MofError names the declaration at fault.
+// Adds a declared class to its namespace: takes over what it inherits, puts overrides in place and checks that they
+// fit. One for each loading thread's call; MofError names the declaration at fault.
 #pragma once
 
 #include "hostschema/ClassRepository.h"
@@ -9,9 +9,7 @@ namespace KDV::Host {
 
 class ClassResolver {
 public:
-    ClassResolver(ClassRepository& repository, Namespace& nameSpace)
-        : _repository(repository), _nameSpace(nameSpace)
-    {}
+    ClassResolver(ClassRepository& repository, Namespace& nameSpace) : _repository(repository), _nameSpace(nameSpace) {}
 
     const ClassInfo& add(ClassDeclaration&& declaration);
     void addQualifier(QualifierInfo qualifier);

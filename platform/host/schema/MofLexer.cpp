@@ -17,10 +17,7 @@ bool startsName(char c)
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_' || static_cast<unsigned char>(c) >= 0x80;
 }
 bool continuesName(char c) { return startsName(c) || isDigit(c); }
-unsigned hexValue(char c)
-{
-    return static_cast<unsigned>(isDigit(c) ? c - '0' : (c | 0x20) - 'a' + 10);
-}
+unsigned hexValue(char c) { return static_cast<unsigned>(isDigit(c) ? c - '0' : (c | 0x20) - 'a' + 10); }
 
 void appendUtf8(std::string& out, std::uint32_t code)
 {
@@ -41,13 +38,11 @@ bool takeCharacter(std::string_view text, std::size_t& pos, std::uint32_t& code)
 {
     const auto lead = static_cast<unsigned char>(text[pos]);
     const std::size_t length = lead < 0x80 ? 1 : (lead & 0xe0) == 0xc0 ? 2 : (lead & 0xf0) == 0xe0 ? 3 : 0;
-    if (length == 0 || pos + length > text.size())
-        return false;
+    if (length == 0 || pos + length > text.size()) return false;
     code = length == 1 ? lead : length == 2 ? lead & 0x1fu : lead & 0x0fu;
     for (std::size_t i = 1; i < length; ++i) {
         const auto byte = static_cast<unsigned char>(text[pos + i]);
-        if ((byte & 0xc0) != 0x80)
-            return false;
+        if ((byte & 0xc0) != 0x80) return false;
         code = (code << 6) | (byte & 0x3fu);
     }
     pos += length;
@@ -85,10 +80,8 @@ void MofLexer::skipBlockComment()
     const unsigned start = _line;
     _pos += 2;
     while (!(at() == '*' && at(1) == '/')) {
-        if (_pos >= _text.size())
-            fail(start, "expected \"*/\" to end the comment that starts here");
-        if (at() == '\n')
-            ++_line;
+        if (_pos >= _text.size()) fail(start, "expected \"*/\" to end the comment that starts here");
+        if (at() == '\n') ++_line;
         ++_pos;
     }
     _pos += 2;
@@ -96,8 +89,7 @@ void MofLexer::skipBlockComment()
 
 void MofLexer::skipBlanks()
 {
-    if (_pos == 0 && _text.substr(0, 3) == "\xef\xbb\xbf")
-        _pos = 3;
+    if (_pos == 0 && _text.substr(0, 3) == "\xef\xbb\xbf") _pos = 3;
     while (_pos < _text.size()) {
         const char c = at();
         if (c == '\n') {
@@ -121,35 +113,30 @@ MofToken MofLexer::next()
     skipBlanks();
     MofToken token;
     token.line = _line;
-    if (_pos >= _text.size())
-        return token;
+    if (_pos >= _text.size()) return token;
     const char c = at();
-    if (startsName(c))
-        return word();
-    if (isDigit(c) || ((c == '+' || c == '-' || c == '.') && (isDigit(at(1)) || at(1) == '.')))
-        return number();
-    if (c == '"' || c == '\'')
-        return quoted(c);
+    if (startsName(c)) return word();
+    if (isDigit(c) || ((c == '+' || c == '-' || c == '.') && (isDigit(at(1)) || at(1) == '.'))) return number();
+    if (c == '"' || c == '\'') return quoted(c);
     if (c == '$') {
         ++_pos;
-        if (!startsName(at()))
-            fail(_line, "expected a name after \"$\"");
+        if (!startsName(at())) fail(_line, "expected a name after \"$\"");
         token = word();
         token.kind = MofTokenKind::Alias;
         return token;
     }
     if (c == '#') {
         ++_pos;
-        if (!startsName(at()))
-            fail(_line, "expected \"pragma\" after \"#\"");
+        if (!startsName(at())) fail(_line, "expected \"pragma\" after \"#\"");
         token = word();
         token.kind = MofTokenKind::Pragma;
         return token;
     }
     if (std::string_view("[](){}:;,=").find(c) == std::string_view::npos)
-        fail(_line, std::string("expected a declaration, found the character \"") +
-                        (c >= ' ' && c < 127 ? std::string(1, c) : "code " + std::to_string(static_cast<unsigned char>(c))) +
-                        "\"");
+        fail(_line,
+             std::string("expected a declaration, found the character \"") +
+                 (c >= ' ' && c < 127 ? std::string(1, c) : "code " + std::to_string(static_cast<unsigned char>(c))) +
+                 "\"");
     token.kind = MofTokenKind::Symbol;
     token.text = c;
     ++_pos;
@@ -171,13 +158,10 @@ MofToken MofLexer::word()
 bool MofLexer::magnitude(std::string_view digits, unsigned base, std::uint64_t& value) const noexcept
 {
     value = 0;
-    if (digits.empty())
-        return false;
+    if (digits.empty()) return false;
     for (char c : digits) {
-        if (!isHex(c) || hexValue(c) >= base)
-            return false;
-        if (value > (UINT64_MAX - hexValue(c)) / base)
-            return false;
+        if (!isHex(c) || hexValue(c) >= base) return false;
+        if (value > (UINT64_MAX - hexValue(c)) / base) return false;
         value = value * base + hexValue(c);
     }
     return true;
@@ -187,15 +171,13 @@ MofToken MofLexer::number()
 {
     MofToken token;
     token.line = _line;
-    if (at() == '+' || at() == '-')
-        token.negative = _text[_pos++] == '-';
+    if (at() == '+' || at() == '-') token.negative = _text[_pos++] == '-';
     const std::size_t start = _pos;
     bool real = false;
     while (_pos < _text.size()) {
         const char c = at();
         const bool exponentSign = real && (c == '+' || c == '-') && (_text[_pos - 1] | 0x20) == 'e';
-        if (!continuesName(c) && c != '.' && !exponentSign)
-            break;
+        if (!continuesName(c) && c != '.' && !exponentSign) break;
         real = real || c == '.';
         ++_pos;
     }
@@ -208,8 +190,7 @@ MofToken MofLexer::number()
         const char last = text.back();
         if (*end != '\0' || errno == ERANGE || !isDigit(last) || text.find_first_of("xX") != std::string::npos)
             fail(_line, "expected a real number, found \"" + text.substr(0, 40) + "\"");
-        if (token.negative)
-            token.real = -token.real;
+        if (token.negative) token.real = -token.real;
         return token;
     }
     token.kind = MofTokenKind::Integer;
@@ -222,8 +203,7 @@ MofToken MofLexer::number()
         good = magnitude(std::string_view(text).substr(1), 8, token.number);
     else
         good = magnitude(text, 10, token.number);
-    if (!good)
-        fail(_line, "expected an integer of at most 64 bits, found \"" + text.substr(0, 40) + "\"");
+    if (!good) fail(_line, "expected an integer of at most 64 bits, found \"" + text.substr(0, 40) + "\"");
     return token;
 }
 
@@ -253,8 +233,7 @@ std::uint32_t MofLexer::escape()
         for (; digits < 4 && isHex(at()); ++digits, ++_pos)
             code = code * 16 + hexValue(at());
         // Texts are passed on as C strings, so a NUL inside would cut them silently.
-        if (digits == 0 || code == 0)
-            fail(_line, "expected 1 to 4 hexadecimal digits, not all zero, after \"\\x\"");
+        if (digits == 0 || code == 0) fail(_line, "expected 1 to 4 hexadecimal digits, not all zero, after \"\\x\"");
         if (code >= 0xd800 && code <= 0xdfff)
             fail(_line, "expected a character after \"\\x\", found half of a surrogate pair");
         return code;
@@ -280,8 +259,7 @@ MofToken MofLexer::quoted(char quote)
             code = escape();
             appendUtf8(token.text, code);
         } else if (quote == '\'') {
-            if (!takeCharacter(_text, _pos, code))
-                fail(token.line, "expected a character of 16 bits");
+            if (!takeCharacter(_text, _pos, code)) fail(token.line, "expected a character of 16 bits");
         } else {
             token.text += _text[_pos++];
         }
@@ -289,8 +267,7 @@ MofToken MofLexer::quoted(char quote)
         ++characters;
     }
     ++_pos;
-    if (quote == '\'' && characters != 1)
-        fail(token.line, "expected one character between the apostrophes");
+    if (quote == '\'' && characters != 1) fail(token.line, "expected one character between the apostrophes");
     return token;
 }
 

@@ -13,19 +13,16 @@ struct IntegerRange {
 };
 
 constexpr IntegerRange ranges[] = {
-    {CMPI_uint8, UINT8_MAX, 0},           {CMPI_uint16, UINT16_MAX, 0},
-    {CMPI_uint32, UINT32_MAX, 0},         {CMPI_uint64, UINT64_MAX, 0},
-    {CMPI_sint8, INT8_MAX, 1ull << 7},    {CMPI_sint16, INT16_MAX, 1ull << 15},
+    {CMPI_uint8, UINT8_MAX, 0},           {CMPI_uint16, UINT16_MAX, 0},         {CMPI_uint32, UINT32_MAX, 0},
+    {CMPI_uint64, UINT64_MAX, 0},         {CMPI_sint8, INT8_MAX, 1ull << 7},    {CMPI_sint16, INT16_MAX, 1ull << 15},
     {CMPI_sint32, INT32_MAX, 1ull << 31}, {CMPI_sint64, INT64_MAX, 1ull << 63},
 };
 
 bool storeInteger(const MofToken& token, CMPIType type, CMPIValue& value)
 {
     for (const IntegerRange& range : ranges) {
-        if (range.type != type)
-            continue;
-        if (token.number > (token.negative ? range.mostBelow : range.most))
-            return false;
+        if (range.type != type) continue;
+        if (token.number > (token.negative ? range.mostBelow : range.most)) return false;
         const std::uint64_t bits = token.negative ? 0 - token.number : token.number;
         switch (type & 0xf0) {
         case 0x80:
@@ -111,11 +108,9 @@ MofParser::Literal MofParser::literal()
         return result;
     }
     result.isArray = true;
-    if (takeIfSymbol('}'))
-        return result;
+    if (takeIfSymbol('}')) return result;
     do {
-        if (result.tokens.size() >= mostElements)
-            expected("at most " + std::to_string(mostElements) + " elements");
+        if (result.tokens.size() >= mostElements) expected("at most " + std::to_string(mostElements) + " elements");
         result.tokens.push_back(scalar());
     } while (takeIfSymbol(','));
     takeSymbol('}');
@@ -126,8 +121,7 @@ SchemaValue MofParser::typed(const MofToken& token, CMPIType type) const
 {
     SchemaValue value;
     value.type = type;
-    if (isWordToken(token, "null"))
-        return value;
+    if (isWordToken(token, "null")) return value;
     value.isNull = false;
     bool fits = false;
     switch (type) {
@@ -160,8 +154,7 @@ SchemaValue MofParser::typed(const MofToken& token, CMPIType type) const
     default:
         fits = token.kind == MofTokenKind::Integer && storeInteger(token, type, value.number);
     }
-    if (!fits)
-        _lexer.fail(token.line, std::string("expected ") + kindWanted(type) + ", found " + token.shown());
+    if (!fits) _lexer.fail(token.line, std::string("expected ") + kindWanted(type) + ", found " + token.shown());
     return value;
 }
 
@@ -169,13 +162,11 @@ SchemaValue MofParser::typed(const Literal& literal, CMPIType type) const
 {
     SchemaValue value;
     value.type = type;
-    if (literal.isNull)
-        return value;
+    if (literal.isNull) return value;
     if (literal.isArray != ((type & CMPI_ARRAY) != 0))
         _lexer.fail(literal.tokens.empty() ? _token.line : literal.tokens.front().line,
                     literal.isArray ? "expected one value, found a list" : "expected a list of values in braces");
-    if (!literal.isArray)
-        return typed(literal.tokens.front(), type);
+    if (!literal.isArray) return typed(literal.tokens.front(), type);
     value.isNull = false;
     for (const MofToken& token : literal.tokens)
         value.elements.push_back(typed(token, static_cast<CMPIType>(type & ~CMPI_ARRAY)));

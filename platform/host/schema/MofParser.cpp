@@ -18,22 +18,19 @@ bool MofParser::isWord(std::string_view word) const noexcept
 
 void MofParser::takeSymbol(char symbol)
 {
-    if (!takeIfSymbol(symbol))
-        expected(std::string("\"") + symbol + "\"");
+    if (!takeIfSymbol(symbol)) expected(std::string("\"") + symbol + "\"");
 }
 
 bool MofParser::takeIfSymbol(char symbol)
 {
-    if (!_token.isSymbol(symbol))
-        return false;
+    if (!_token.isSymbol(symbol)) return false;
     advance();
     return true;
 }
 
 std::string MofParser::takeName(const char* what)
 {
-    if (_token.kind != MofTokenKind::Identifier)
-        expected(what);
+    if (_token.kind != MofTokenKind::Identifier) expected(what);
     std::string name = std::move(_token.text);
     advance();
     return name;
@@ -64,15 +61,13 @@ void MofParser::parse()
 void MofParser::pragma()
 {
     const unsigned line = _token.line;
-    if (!sameName(_token.text, "pragma"))
-        expected("\"#pragma\"");
+    if (!sameName(_token.text, "pragma")) expected("\"#pragma\"");
     advance();
     const std::string name = takeName("the name of a pragma");
     takeSymbol('(');
     const MofToken value = scalar();
     takeSymbol(')');
-    if (!sameName(name, "include"))
-        return;
+    if (!sameName(name, "include")) return;
     if (value.kind != MofTokenKind::String || value.text.empty())
         _lexer.fail(line, "expected a file name in quotes after \"include\"");
     _include(value.text, line);
@@ -80,11 +75,9 @@ void MofParser::pragma()
 
 void MofParser::aliasIfAny()
 {
-    if (!isWord("as"))
-        return;
+    if (!isWord("as")) return;
     advance();
-    if (_token.kind != MofTokenKind::Alias)
-        expected("an alias after \"as\"");
+    if (_token.kind != MofTokenKind::Alias) expected("an alias after \"as\"");
     advance();
 }
 
@@ -97,8 +90,7 @@ void MofParser::classDeclaration(QualifierList list)
     advance();
     declaration.name = takeName("the name of the class");
     aliasIfAny();
-    if (takeIfSymbol(':'))
-        declaration.superclass = takeName("the name of the superclass");
+    if (takeIfSymbol(':')) declaration.superclass = takeName("the name of the superclass");
     takeSymbol('{');
     while (!takeIfSymbol('}'))
         feature(declaration);
@@ -108,12 +100,10 @@ void MofParser::classDeclaration(QualifierList list)
 
 bool MofParser::arraySize(CMPIType& type, std::uint32_t& size)
 {
-    if (!takeIfSymbol('['))
-        return false;
+    if (!takeIfSymbol('[')) return false;
     type = static_cast<CMPIType>(type | CMPI_ARRAY);
     if (_token.kind == MofTokenKind::Integer) {
-        if (_token.negative || _token.number == 0 || _token.number > 0xffffffffu)
-            expected("the size of the array");
+        if (_token.negative || _token.number == 0 || _token.number > 0xffffffffu) expected("the size of the array");
         size = static_cast<std::uint32_t>(_token.number);
         advance();
     }
@@ -142,7 +132,8 @@ void MofParser::feature(ClassDeclaration& declaration)
     }
     arraySize(property.info.type, property.info.arraySize);
     if (property.info.type == CMPI_refA)
-        _lexer.fail(property.line, "the reference " + property.info.name + " is an array, which only parameters may be");
+        _lexer.fail(property.line,
+                    "the reference " + property.info.name + " is an array, which only parameters may be");
     if (takeIfSymbol('=')) {
         property.hasDefault = true;
         property.info.defaultValue = typed(literal(), property.info.type);
@@ -182,22 +173,19 @@ ParameterInfo MofParser::parameter()
 MofParser::Type MofParser::type()
 {
     static constexpr std::pair<std::string_view, CMPIType> names[] = {
-        {"string", CMPI_string},  {"uint16", CMPI_uint16}, {"boolean", CMPI_boolean}, {"uint32", CMPI_uint32},
-        {"uint64", CMPI_uint64},  {"uint8", CMPI_uint8},   {"sint8", CMPI_sint8},     {"sint16", CMPI_sint16},
-        {"sint32", CMPI_sint32},  {"sint64", CMPI_sint64}, {"real32", CMPI_real32},   {"real64", CMPI_real64},
+        {"string", CMPI_string},     {"uint16", CMPI_uint16}, {"boolean", CMPI_boolean}, {"uint32", CMPI_uint32},
+        {"uint64", CMPI_uint64},     {"uint8", CMPI_uint8},   {"sint8", CMPI_sint8},     {"sint16", CMPI_sint16},
+        {"sint32", CMPI_sint32},     {"sint64", CMPI_sint64}, {"real32", CMPI_real32},   {"real64", CMPI_real64},
         {"datetime", CMPI_dateTime}, {"char16", CMPI_char16},
     };
     Type result;
-    if (_token.kind != MofTokenKind::Identifier)
-        expected("a type or the name of a class");
+    if (_token.kind != MofTokenKind::Identifier) expected("a type or the name of a class");
     for (const auto& [name, code] : names)
-        if (sameName(_token.text, name))
-            result.type = code;
+        if (sameName(_token.text, name)) result.type = code;
     if (result.type == CMPI_null) {
         result.referenceClass = _token.text;
         advance();
-        if (!isWord("ref"))
-            expected("\"REF\" after the class name \"" + result.referenceClass + "\", or a known type");
+        if (!isWord("ref")) expected("\"REF\" after the class name \"" + result.referenceClass + "\", or a known type");
         result.type = CMPI_ref;
     }
     advance();
@@ -208,14 +196,12 @@ void MofParser::instanceDeclaration()
 {
     const unsigned line = _token.line;
     advance();
-    if (!isWord("of"))
-        expected("\"of\"");
+    if (!isWord("of")) expected("\"of\"");
     advance();
     const std::string className = takeName("the name of a class");
     InstanceDeclaration instance;
     instance.classInfo = _resolver.nameSpace().find(className);
-    if (!instance.classInfo)
-        _lexer.fail(line, "expected an instance of a declared class, found \"" + className + "\"");
+    if (!instance.classInfo) _lexer.fail(line, "expected an instance of a declared class, found \"" + className + "\"");
     aliasIfAny();
     takeSymbol('{');
     while (!takeIfSymbol('}')) {
@@ -223,8 +209,7 @@ void MofParser::instanceDeclaration()
         const unsigned at = _token.line;
         const std::string name = takeName("the name of a property");
         const PropertyInfo* property = instance.classInfo->findProperty(name);
-        if (!property)
-            _lexer.fail(at, "expected a property of " + className + ", found \"" + name + "\"");
+        if (!property) _lexer.fail(at, "expected a property of " + className + ", found \"" + name + "\"");
         takeSymbol('=');
         instance.values.emplace_back(property, typed(literal(), property->type));
         takeSymbol(';');

@@ -1,5 +1,5 @@
-// Reads one MOF text (DSP0004, annex A) and adds what it declares to a namespace through a ClassResolver. Recursion goes
-// no deeper than the grammar, which nests declarations three deep; includes are handed to the caller. MofError.
+// Reads one MOF text (DSP0004, annex A) and adds what it declares to a namespace through a ClassResolver. Recursion
+// goes no deeper than the grammar, which nests declarations three deep; includes are handed to the caller. MofError.
 #pragma once
 
 #include "hostschema/ClassResolver.h"

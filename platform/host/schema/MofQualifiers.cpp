@@ -8,8 +8,7 @@ namespace {
 bool restrictedByNature(std::string_view name)
 {
     for (std::string_view restricted : {"Abstract", "Override", "Terminal", "Version", "Deprecated", "Experimental"})
-        if (sameName(name, restricted))
-            return true;
+        if (sameName(name, restricted)) return true;
     return false;
 }
 
@@ -45,14 +44,11 @@ bool MofParser::flavor(QualifierInfo& qualifier)
 
 void MofParser::flavors(QualifierInfo& qualifier, bool inParentheses)
 {
-    if (inParentheses)
-        takeSymbol('(');
+    if (inParentheses) takeSymbol('(');
     do {
-        if (!flavor(qualifier))
-            expected("a flavor of the qualifier");
+        if (!flavor(qualifier)) expected("a flavor of the qualifier");
     } while (inParentheses ? takeIfSymbol(',') : _token.kind == MofTokenKind::Identifier);
-    if (inParentheses)
-        takeSymbol(')');
+    if (inParentheses) takeSymbol(')');
 }
 
 void MofParser::qualifierDeclaration()
@@ -64,8 +60,7 @@ void MofParser::qualifierDeclaration()
     declared.value.type = type().type;
     std::uint32_t size = 0;
     arraySize(declared.value.type, size);
-    if (takeIfSymbol('='))
-        declared.value = typed(literal(), declared.value.type);
+    if (takeIfSymbol('=')) declared.value = typed(literal(), declared.value.type);
     bool scope = false;
     while (takeIfSymbol(',')) {
         if (isWord("scope")) {
@@ -79,8 +74,7 @@ void MofParser::qualifierDeclaration()
             expected("\"Scope\" or \"Flavor\"");
         }
     }
-    if (!scope)
-        expected("\"Scope\"");
+    if (!scope) expected("\"Scope\"");
     takeSymbol(';');
     _resolver.addQualifier(std::move(declared));
 }
@@ -88,13 +82,11 @@ void MofParser::qualifierDeclaration()
 QualifierList MofParser::qualifiers()
 {
     QualifierList list;
-    if (!takeIfSymbol('['))
-        return list;
+    if (!takeIfSymbol('[')) return list;
     do {
         const unsigned line = _token.line;
         QualifierInfo one = qualifier();
-        if (list.find(one.name))
-            _lexer.fail(line, "the qualifier " + one.name + " is written twice");
+        if (list.find(one.name)) _lexer.fail(line, "the qualifier " + one.name + " is written twice");
         list.add(std::move(one));
     } while (takeIfSymbol(','));
     takeSymbol(']');
@@ -115,22 +107,18 @@ QualifierInfo MofParser::qualifier()
     }
     const bool inParentheses = _token.isSymbol('(');
     if (inParentheses || _token.isSymbol('{')) {
-        if (inParentheses)
-            advance();
+        if (inParentheses) advance();
         const Literal written = literal();
-        if (inParentheses)
-            takeSymbol(')');
+        if (inParentheses) takeSymbol(')');
         used.value = declared ? typed(written, declared->value.type) : inferred(written);
     } else {
         // A name alone means TRUE for booleans; for other types a value is needed.
-        if (declared && declared->value.type != CMPI_boolean)
-            expected("a value for the qualifier " + used.name);
+        if (declared && declared->value.type != CMPI_boolean) expected("a value for the qualifier " + used.name);
         used.value.type = CMPI_boolean;
         used.value.isNull = false;
         used.value.number.boolean = 1;
     }
-    if (takeIfSymbol(':'))
-        flavors(used, false);
+    if (takeIfSymbol(':')) flavors(used, false);
     return used;
 }
 

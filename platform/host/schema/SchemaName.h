@@ -11,11 +11,9 @@ constexpr char lowerCase(char c) noexcept { return c >= 'A' && c <= 'Z' ? static
 
 constexpr bool sameName(std::string_view a, std::string_view b) noexcept
 {
-    if (a.size() != b.size())
-        return false;
+    if (a.size() != b.size()) return false;
     for (std::size_t i = 0; i < a.size(); ++i)
-        if (a[i] != b[i] && lowerCase(a[i]) != lowerCase(b[i]))
-            return false;
+        if (a[i] != b[i] && lowerCase(a[i]) != lowerCase(b[i])) return false;
     return true;
 }
 

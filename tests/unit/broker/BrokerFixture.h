@@ -6,10 +6,10 @@
 #include "broker/RequestScope.h"
 #include "broker/ResultObject.h"
 
-#include <gmock/gmock.h>
-
 #include <optional>
 #include <string>
+
+#include <gmock/gmock.h>
 
 namespace KDV::Host {
 
@@ -31,7 +31,10 @@ struct BrokerFixture {
 
     const CMPIBroker* mb() const { return broker->cmpi(); }
     const CMPIBrokerEncFT& eft() const { return *mb()->eft; }
-    CMPIObjectPath* path(const char* className = "Thing") { return eft().newObjectPath(mb(), "root/test", className, &status); }
+    CMPIObjectPath* path(const char* className = "Thing")
+    {
+        return eft().newObjectPath(mb(), "root/test", className, &status);
+    }
     CMPIInstance* instance(const char* className = "Thing")
     {
         CMPIObjectPath* from = path(className);
@@ -65,8 +68,7 @@ struct BrokerFixture {
     {
         std::vector<std::string> all;
         for (const CollectedProperty& property : collect(InstanceObject::of(of)).properties)
-            if (!property.preset)
-                all.push_back(property.name + "=" + property.value);
+            if (!property.preset) all.push_back(property.name + "=" + property.value);
         return all;
     }
 
@@ -80,7 +82,8 @@ struct EveryProfile : BrokerFixture, testing::TestWithParam<Profile> {
     EveryProfile() : BrokerFixture(GetParam()) {}
 
     // The value that belongs to the profile of this run.
-    template <class Value> static Value by(Value standard, Value sfcb, Value pegasus)
+    template <class Value>
+    static Value by(Value standard, Value sfcb, Value pegasus)
     {
         return GetParam() == Profile::Standard ? standard : GetParam() == Profile::Sfcb ? sfcb : pegasus;
     }

@@ -60,8 +60,8 @@ TEST_P(BrokerTables, AnswersIsA)
 
 TEST_P(BrokerTables, FillsMessagesWithTheirInserts)
 {
-    CMPIString* text = eft().getMessage(mb(), "id", "$0 of $1, $2 and $3", &status, 3, CMPI_uint16, 7, CMPI_chars, "nine",
-                                        CMPI_boolean, 1);
+    CMPIString* text = eft().getMessage(mb(), "id", "$0 of $1, $2 and $3", &status, 3, CMPI_uint16, 7, CMPI_chars,
+                                        "nine", CMPI_boolean, 1);
     ASSERT_NE(text, nullptr);
     EXPECT_STREQ(text->ft->getCharPtr(text, nullptr),
                  by("7 of nine, true and $3", "$0 of $1, $2 and $3", "7 of nine, true and $3"));
@@ -81,7 +81,8 @@ TEST_P(BrokerTables, WritesDatesBothWays)
     EXPECT_EQ(date->ft->getBinaryFormat(date, &status), 1709164923000004ull);
     EXPECT_EQ(eft().newDateTimeFromChars(mb(), "2024", &status), nullptr);
     EXPECT_EQ(status.rc, CMPI_RC_ERR_INVALID_PARAMETER);
-    EXPECT_EQ(eft().newDateTimeFromChars(mb(), "2024022901020x.000004+060", &status) != nullptr, by(false, true, false));
+    EXPECT_EQ(eft().newDateTimeFromChars(mb(), "2024022901020x.000004+060", &status) != nullptr,
+              by(false, true, false));
     const CMPIUint64 now = date->ft->getBinaryFormat(eft().newDateTime(mb(), &status), nullptr);
     EXPECT_GT(now, 1700000000000000ull);
 }

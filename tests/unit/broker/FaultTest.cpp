@@ -9,8 +9,7 @@ CMPIrc publish(BrokerFixture& f, const CMPIResult* result)
 {
     CMPIStatus status{CMPI_RC_OK, nullptr};
     CMPIObjectPath* path = f.eft().newObjectPath(f.mb(), "root/test", "Thing", &status);
-    if (!path)
-        return status.rc;
+    if (!path) return status.rc;
     status = BrokerFixture::addKey(path, "Name", "n");
     CMPIInstance* instance = status.rc ? nullptr : f.eft().newInstance(f.mb(), path, &status);
     CMPIArray* array = instance ? f.eft().newArray(f.mb(), 1, CMPI_uint16, &status) : nullptr;
@@ -19,14 +18,11 @@ CMPIrc publish(BrokerFixture& f, const CMPIResult* result)
         value.uint16 = 2;
         status = array->ft->setElementAt(array, 0, &value, CMPI_uint16);
         value.array = array;
-        if (!status.rc)
-            status = instance->ft->setProperty(instance, "Codes", &value, CMPI_uint16A);
+        if (!status.rc) status = instance->ft->setProperty(instance, "Codes", &value, CMPI_uint16A);
         array->ft->release(array);
     }
-    if (array && !status.rc)
-        status = result->ft->returnInstance(result, instance);
-    if (instance)
-        instance->ft->release(instance);
+    if (array && !status.rc) status = result->ft->returnInstance(result, instance);
+    if (instance) instance->ft->release(instance);
     path->ft->release(path);
     return status.rc;
 }

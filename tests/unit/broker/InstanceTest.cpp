@@ -120,8 +120,7 @@ TEST_P(Instances, TreatsOtherTypesAsTheServerDoes)
     value.uint32 = 1;
     EXPECT_EQ(i->ft->setProperty(i, "State", &value, CMPI_uint32).rc, refusal);
     EXPECT_EQ(setText(i, "State", "text").rc, refusal);
-    const CMPIrc kindRefusal =
-        by(CMPI_RC_ERR_TYPE_MISMATCH, CMPI_RC_ERR_TYPE_MISMATCH, CMPI_RC_ERR_INVALID_DATA_TYPE);
+    const CMPIrc kindRefusal = by(CMPI_RC_ERR_TYPE_MISMATCH, CMPI_RC_ERR_TYPE_MISMATCH, CMPI_RC_ERR_INVALID_DATA_TYPE);
     EXPECT_EQ(setNumber(i, "Label", 4).rc, kindRefusal);
     EXPECT_EQ(setText(i, "When", "00000001000000.000000:000").rc, kindRefusal);
     EXPECT_EQ(setNumber(i, "Codes", 4).rc, kindRefusal);

@@ -91,8 +91,7 @@ TEST_P(Results, AreNotTheProvidersToRelease)
 {
     ResultObject result(*broker, sink);
     EXPECT_EQ(result.ft->release != nullptr, by(true, true, false));
-    if (!result.ft->release)
-        return;
+    if (!result.ft->release) return;
     EXPECT_EQ(result.ft->release(&result).rc, CMPI_RC_ERR_FAILED);
     EXPECT_EQ(broker->statistics().lentReleases, 1u);
 }

@@ -18,7 +18,10 @@ CMPIStatus cleaned(CMPIBoolean terminating)
     return {stays && !terminating ? CMPI_RC_DO_NOT_UNLOAD : CMPI_RC_OK, nullptr};
 }
 
-CMPIStatus cleanupInstance(CMPIInstanceMI*, const CMPIContext*, CMPIBoolean terminating) { return cleaned(terminating); }
+CMPIStatus cleanupInstance(CMPIInstanceMI*, const CMPIContext*, CMPIBoolean terminating)
+{
+    return cleaned(terminating);
+}
 CMPIStatus cleanupMethod(CMPIMethodMI*, const CMPIContext*, CMPIBoolean terminating) { return cleaned(terminating); }
 
 CMPIStatus enumerateInstances(CMPIInstanceMI*, const CMPIContext*, const CMPIResult* result, const CMPIObjectPath* path,
@@ -32,13 +35,15 @@ CMPIStatus enumerateInstances(CMPIInstanceMI*, const CMPIContext*, const CMPIRes
         one->ft->setProperty(one, "State", &value, CMPI_uint16);
         status = result->ft->returnInstance(result, one);
         one->ft->release(one);
-        if (status.rc != CMPI_RC_OK)
-            return status;
+        if (status.rc != CMPI_RC_OK) return status;
     }
     return result->ft->returnDone(result);
 }
 
-CMPIStatus names(CMPIInstanceMI*, const CMPIContext*, const CMPIResult*, const CMPIObjectPath*) { return unsupported(); }
+CMPIStatus names(CMPIInstanceMI*, const CMPIContext*, const CMPIResult*, const CMPIObjectPath*)
+{
+    return unsupported();
+}
 CMPIStatus get(CMPIInstanceMI*, const CMPIContext*, const CMPIResult*, const CMPIObjectPath*, const char**)
 {
     return unsupported();
@@ -52,8 +57,12 @@ CMPIStatus modify(CMPIInstanceMI*, const CMPIContext*, const CMPIResult*, const 
 {
     return unsupported();
 }
-CMPIStatus removeOne(CMPIInstanceMI*, const CMPIContext*, const CMPIResult*, const CMPIObjectPath*) { return unsupported(); }
-CMPIStatus query(CMPIInstanceMI*, const CMPIContext*, const CMPIResult*, const CMPIObjectPath*, const char*, const char*)
+CMPIStatus removeOne(CMPIInstanceMI*, const CMPIContext*, const CMPIResult*, const CMPIObjectPath*)
+{
+    return unsupported();
+}
+CMPIStatus query(CMPIInstanceMI*, const CMPIContext*, const CMPIResult*, const CMPIObjectPath*, const char*,
+                 const char*)
 {
     return unsupported();
 }
@@ -67,8 +76,8 @@ CMPIStatus invokeMethod(CMPIMethodMI*, const CMPIContext*, const CMPIResult* res
     return result->ft->returnData(result, &value, CMPI_sint32);
 }
 
-const CMPIInstanceMIFT instanceTable{200, 1, "test", cleanupInstance, names, enumerateInstances, get, create, modify,
-                                     removeOne, query, nullptr};
+const CMPIInstanceMIFT instanceTable{200, 1,      "test", cleanupInstance, names, enumerateInstances,
+                                     get, create, modify, removeOne,       query, nullptr};
 const CMPIMethodMIFT methodTable{200, 1, "test", cleanupMethod, invokeMethod};
 
 } // namespace
@@ -81,8 +90,7 @@ _Generic_Create_InstanceMI(const CMPIBroker* mb, const CMPIContext* context, con
         *status = {CMPI_RC_ERR_NOT_FOUND, mb->eft->newString(mb, "unknown name", nullptr)};
         return nullptr;
     }
-    if (std::string(name) == "Silent" || !context)
-        return nullptr;
+    if (std::string(name) == "Silent" || !context) return nullptr;
     broker = mb;
     stays = std::string(name) == "Stays";
     cleanups = 0;

@@ -22,8 +22,7 @@ struct Server : BrokerUpcalls {
     }
     Outcome getInstance(const CMPIContext* context, const PathObject& path, const char**, ResultSink& sink) override
     {
-        if (path.keyCount == 0)
-            return {CMPI_RC_ERR_NOT_FOUND, "no such thing"};
+        if (path.keyCount == 0) return {CMPI_RC_ERR_NOT_FOUND, "no such thing"};
         return enumerateInstances(context, path, nullptr, sink);
     }
     Outcome invokeMethod(const CMPIContext* context, const PathObject& path, const char* method, const CMPIArgs* in,
@@ -32,10 +31,8 @@ struct Server : BrokerUpcalls {
         CMPIStatus status{CMPI_RC_OK, nullptr};
         principal = textOf(context->ft->getEntry(context, "CMPIPrincipal", &status).value);
         called = std::string(path.className) + "." + method;
-        if (in)
-            argument = valueText(in->ft->getArg(in, "how", &status));
-        if (out)
-            out->ft->addArg(out, "Why", reinterpret_cast<const CMPIValue*>("because"), CMPI_chars);
+        if (in) argument = valueText(in->ft->getArg(in, "how", &status));
+        if (out) out->ft->addArg(out, "Why", reinterpret_cast<const CMPIValue*>("because"), CMPI_chars);
         CMPIData data{CMPI_uint32, CMPI_goodValue, {}};
         data.value.uint32 = 17;
         return {sink.data(data) ? CMPI_RC_OK : CMPI_RC_ERR_FAILED, {}};
@@ -160,10 +157,10 @@ TEST_P(Upcalls, CompileQueriesThroughTheHost)
         }
     };
     struct Compiler : SelectCompiler {
-        std::shared_ptr<const SelectEvaluator> compile(std::string_view query, std::string_view, Outcome& outcome) override
+        std::shared_ptr<const SelectEvaluator> compile(std::string_view query, std::string_view,
+                                                       Outcome& outcome) override
         {
-            if (query == "good")
-                return std::make_shared<ByLabel>();
+            if (query == "good") return std::make_shared<ByLabel>();
             outcome = {CMPI_RC_ERR_INVALID_QUERY, "not understood"};
             return nullptr;
         }

@@ -1,8 +1,8 @@
 #include "hostschema/ClassRepository.h"
 
-#include <gmock/gmock.h>
-
 #include <fstream>
+
+#include <gmock/gmock.h>
 
 using namespace KDV::Host;
 using testing::ElementsAre;
@@ -14,8 +14,7 @@ const std::string space = "root/test";
 const PropertyInfo& property(const ClassRepository& repository, const char* className, const char* name)
 {
     const ClassInfo* info = repository.find(space, className);
-    if (!info || !info->findProperty(name))
-        throw std::runtime_error(std::string("no ") + className + "." + name);
+    if (!info || !info->findProperty(name)) throw std::runtime_error(std::string("no ") + className + "." + name);
     return *info->findProperty(name);
 }
 
@@ -40,18 +39,19 @@ std::vector<std::string> texts(const SchemaValue& value)
 TEST(MofReader, ReadsEveryTypeOfProperty)
 {
     ClassRepository repository;
-    repository.loadText("class Y { };"
-                        "class X { boolean A; uint8 B; uint16 C; uint32 D; uint64 E; sint8 F; sint16 G; sint32 H;"
-                        " sint64 I; real32 J; real64 K; char16 L; string M; datetime N; Y REF O; string P[]; uint16 Q[4];"
-                        " [EmbeddedInstance(\"Y\")] string R; [EmbeddedObject] string S[]; };",
-                        space);
+    repository.loadText(
+        "class Y { };"
+        "class X { boolean A; uint8 B; uint16 C; uint32 D; uint64 E; sint8 F; sint16 G; sint32 H;"
+        " sint64 I; real32 J; real64 K; char16 L; string M; datetime N; Y REF O; string P[]; uint16 Q[4];"
+        " [EmbeddedInstance(\"Y\")] string R; [EmbeddedObject] string S[]; };",
+        space);
     std::vector<CMPIType> types;
     for (const PropertyInfo& info : repository.find(space, "x")->properties())
         types.push_back(info.type);
-    EXPECT_THAT(types, ElementsAre(CMPI_boolean, CMPI_uint8, CMPI_uint16, CMPI_uint32, CMPI_uint64, CMPI_sint8,
-                                   CMPI_sint16, CMPI_sint32, CMPI_sint64, CMPI_real32, CMPI_real64, CMPI_char16,
-                                   CMPI_string, CMPI_dateTime, CMPI_ref, CMPI_stringA, CMPI_uint16A, CMPI_instance,
-                                   CMPI_instanceA));
+    EXPECT_THAT(types,
+                ElementsAre(CMPI_boolean, CMPI_uint8, CMPI_uint16, CMPI_uint32, CMPI_uint64, CMPI_sint8, CMPI_sint16,
+                            CMPI_sint32, CMPI_sint64, CMPI_real32, CMPI_real64, CMPI_char16, CMPI_string, CMPI_dateTime,
+                            CMPI_ref, CMPI_stringA, CMPI_uint16A, CMPI_instance, CMPI_instanceA));
     EXPECT_EQ(property(repository, "X", "O").referenceClass, "Y");
     EXPECT_EQ(property(repository, "X", "P").arraySize, 0u);
     EXPECT_EQ(property(repository, "X", "Q").arraySize, 4u);
@@ -76,7 +76,8 @@ TEST(MofReader, ReadsNumbersInEveryForm)
 TEST(MofReader, ReadsTextsWithEscapesAndConcatenation)
 {
     EXPECT_EQ(defaultOf(R"(string P = "a" /* between */ "b\tc\"\\\n"
-                            "d")").text,
+                            "d")")
+                  .text,
               "ab\tc\"\\\nd");
     EXPECT_EQ(defaultOf(R"(string P = "\x41\xe9\x20AC!")").text, "A\xc3\xa9\xe2\x82\xac!");
     EXPECT_EQ(defaultOf(R"(char16 P = '\x20AC')").number.char16, 0x20acu);
@@ -101,14 +102,15 @@ TEST(MofReader, ReadsBooleansNullsAndListsWithoutRegardToCase)
 TEST(MofReader, KeepsQualifiersInOrderWithTheirFlavors)
 {
     ClassRepository repository;
-    repository.loadText("Qualifier Description : string = null, Scope(any), Flavor(EnableOverride, Translatable);\n"
-                        "Qualifier Key : boolean = false, Scope(property, reference), Flavor(DisableOverride);\n"
-                        "Qualifier ValueMap : string[], Scope(property);\n"
-                        "Qualifier MaxLen : uint32 = 4, Scope(property);\n"
-                        "[Description(\"a class\"), Version(\"1.0.0\") : Restricted] class X {\n"
-                        "  [Key, Description(\"it\" \"s name\"), MaxLen(64), ValueMap{\"1\", \"2\"} : DisableOverride ToSubclass]\n"
-                        "  string Name; };",
-                        space);
+    repository.loadText(
+        "Qualifier Description : string = null, Scope(any), Flavor(EnableOverride, Translatable);\n"
+        "Qualifier Key : boolean = false, Scope(property, reference), Flavor(DisableOverride);\n"
+        "Qualifier ValueMap : string[], Scope(property);\n"
+        "Qualifier MaxLen : uint32 = 4, Scope(property);\n"
+        "[Description(\"a class\"), Version(\"1.0.0\") : Restricted] class X {\n"
+        "  [Key, Description(\"it\" \"s name\"), MaxLen(64), ValueMap{\"1\", \"2\"} : DisableOverride ToSubclass]\n"
+        "  string Name; };",
+        space);
     const ClassInfo& info = *repository.find(space, "X");
     EXPECT_EQ(info.qualifiers().find("version")->value.text, "1.0.0");
     EXPECT_FALSE(info.qualifiers().find("Version")->toSubclass);
@@ -143,9 +145,10 @@ TEST(MofReader, TakesStandardQualifiersWithoutTheirDeclarations)
 TEST(MofReader, ReadsMethodsWithParameters)
 {
     ClassRepository repository;
-    repository.loadText("class Y { }; class X { [Description(\"works\")] uint32 Work();\n"
-                        " string Ask([In] string Question, [In(false), Out] uint16 Codes[], [Out] Y REF Who, Y REF All[]); };",
-                        space);
+    repository.loadText(
+        "class Y { }; class X { [Description(\"works\")] uint32 Work();\n"
+        " string Ask([In] string Question, [In(false), Out] uint16 Codes[], [Out] Y REF Who, Y REF All[]); };",
+        space);
     const ClassInfo& info = *repository.find(space, "X");
     ASSERT_EQ(info.methods().size(), 2u);
     EXPECT_EQ(info.findMethod("work")->returnType, CMPI_uint32);
@@ -215,7 +218,8 @@ TEST(MofReader, ReadsTheShippedSchema)
     std::vector<std::string> keys;
     for (int index : drive->keys())
         keys.push_back(drive->properties()[static_cast<std::size_t>(index)].name);
-    EXPECT_THAT(keys, testing::UnorderedElementsAre("SystemCreationClassName", "SystemName", "CreationClassName", "DeviceID"));
+    EXPECT_THAT(
+        keys, testing::UnorderedElementsAre("SystemCreationClassName", "SystemName", "CreationClassName", "DeviceID"));
     EXPECT_EQ(drive->findProperty("OperationalStatus")->type, CMPI_uint16A);
     EXPECT_TRUE(drive->isA(*repository.find("root/vnr", "CIM_ManagedElement")));
 }
