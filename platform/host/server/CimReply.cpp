@@ -38,7 +38,7 @@ void CimReply::nullParameter(std::string_view name, std::string_view type)
     appendAttribute(out(), name);
     out().append("\" PARAMTYPE=\"");
     appendAttribute(out(), type);
-    out().append("\"/>\n");
+    out().append("\"></PARAMVALUE>\n");
 }
 
 void CimReply::fail(int code, std::string_view description)

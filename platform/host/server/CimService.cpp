@@ -70,6 +70,13 @@ unsigned CimService::precheck(const std::string& method, const std::string& targ
     return 501;
 }
 
+// Paths name this server as its client does, so that a path can be asked for just as it was printed.
+const std::string& CimService::hostOf(const HttpRequest& request) const
+{
+    const std::string* given = request.find("Host");
+    return given && !given->empty() ? *given : _hostName;
+}
+
 void CimService::serve(const HttpRequest& request, Session* session, ReplyStream& stream)
 {
     try {
@@ -81,7 +88,7 @@ void CimService::serve(const HttpRequest& request, Session* session, ReplyStream
             const CimRequest message = static_cast<CimSession*>(session)->reader.read(request.body);
             headers.check(message);
             headers.answer(stream.head(), 200);
-            execute(message, stream);
+            execute(message, hostOf(request), stream);
         } catch (const RequestError& error) {
             headers.answer(stream.head(), httpStatusOf(error.fault()));
             stream.head().fields.emplace_back("CIMError", cimErrorName(error.fault()));
@@ -92,11 +99,11 @@ void CimService::serve(const HttpRequest& request, Session* session, ReplyStream
     }
 }
 
-void CimService::execute(const CimRequest& request, ReplyStream& stream)
+void CimService::execute(const CimRequest& request, const std::string& host, ReplyStream& stream)
 {
     CimReply reply(stream, request);
     try {
-        run(request, reply);
+        run(request, host, reply);
     } catch (const CimError& error) {
         reply.fail(error.code(), error.what());
     } catch (const std::exception& error) {
@@ -109,7 +116,7 @@ void CimService::execute(const CimRequest& request, ReplyStream& stream)
     reply.close();
 }
 
-void CimService::run(const CimRequest& request, CimReply& reply)
+void CimService::run(const CimRequest& request, const std::string& host, CimReply& reply)
 {
     const OperationTable::Operation* operation = request.intrinsic ? _operations.find(request.method) : nullptr;
     if (request.intrinsic && !operation)
@@ -118,7 +125,7 @@ void CimService::run(const CimRequest& request, CimReply& reply)
     if (!nameSpace)
         throw CimError(CMPI_RC_ERR_INVALID_NAMESPACE, "there is no namespace \"" + request.nameSpace + "\"");
     RequestScope scope(_broker, nameSpace->name());
-    InstanceWriter writer(reply.out(), _fragments, _hostName, nameSpace->name());
+    InstanceWriter writer(reply.out(), _fragments, host, nameSpace->name());
     Call call(request, *nameSpace, scope, reply, writer);
     call.context.addNumber("CMPIInvocationFlags", 0);
     call.context.addText("CMPIPrincipal", "");

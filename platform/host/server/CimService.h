@@ -22,8 +22,9 @@ public:
     void serve(const HttpRequest& request, Session* session, ReplyStream& reply) override;
 
 private:
-    void execute(const CimRequest& request, ReplyStream& stream);
-    void run(const CimRequest& request, CimReply& reply);
+    const std::string& hostOf(const HttpRequest& request) const;
+    void execute(const CimRequest& request, const std::string& host, ReplyStream& stream);
+    void run(const CimRequest& request, const std::string& host, CimReply& reply);
 
     Broker& _broker;
     Router& _router;

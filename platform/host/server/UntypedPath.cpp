@@ -34,7 +34,8 @@ RequestPath readUntypedPath(std::string_view text)
     RequestPath path;
     path.isInstance = true;
     std::string_view rest = text;
-    const std::size_t point = rest.find('.', rest.find(':') == rest.npos ? 0 : rest.find(':'));
+    // Hosts may have points too; that of the keys is the last one before the first value.
+    const std::size_t point = rest.rfind('.', rest.find('='));
     std::string_view head = rest.substr(0, point);
     rest = point == rest.npos ? std::string_view() : rest.substr(point + 1);
     if (head.substr(0, 2) == "//") {

@@ -101,7 +101,11 @@ std::string propertyNull(std::string_view name, std::string_view origin, CMPITyp
 {
     ReplyBuffer out;
     appendPropertyTag(out, name, origin, type);
-    out.append("/>\n");
+    // Not "<PROPERTY .../>": wbemcli reads no property that is an empty element tag.
+    const bool array = (type & CMPI_ARRAY) != 0;
+    out.append((type & ~CMPI_ARRAY) == CMPI_ref ? "></PROPERTY.REFERENCE>\n"
+               : array                          ? "></PROPERTY.ARRAY>\n"
+                                                : "></PROPERTY>\n");
     return std::string(out.view());
 }
 

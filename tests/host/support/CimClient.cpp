@@ -93,7 +93,7 @@ std::string between(const std::string& text, const std::string& begin, const std
     return to == text.npos ? std::string() : text.substr(from + begin.size(), to - from - begin.size());
 }
 
-std::string ask(std::uint16_t port, const std::string& body)
+std::string askHost(std::uint16_t port, const std::string& body)
 {
     RawClient client(port);
     client.send(post(body));

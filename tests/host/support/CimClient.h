@@ -33,6 +33,6 @@ std::size_t count(const std::string& text, const std::string& part);
 std::string between(const std::string& text, const std::string& begin, const std::string& end);
 
 // One request on a connection of its own; the reply must be HTTP 200 and valid CIM-XML, else std::runtime_error.
-std::string ask(std::uint16_t port, const std::string& body);
+std::string askHost(std::uint16_t port, const std::string& body);
 
 } // namespace KDV::Host::Test
