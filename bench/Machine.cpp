@@ -192,9 +192,12 @@ std::uint64_t Machine::floorOfEnumeration()
         CMPIStatus status{CMPI_RC_OK, nullptr};
         for (const auto& keys : _diskKeys) {
             CMPIObjectPath* path = mb->eft->newObjectPath(mb, nameSpace, diskClass, &status);
+            path->ft->setHostname(path, "localhost");
             for (const auto& [name, text] : keys)
                 path->ft->addKey(path, name.c_str(), asValue(text), CMPI_chars);
             CMPIInstance* instance = mb->eft->newInstance(mb, path, &status);
+            for (const auto& [name, text] : keys) // as makeCmpiInstance does, since not every server does it
+                instance->ft->setProperty(instance, name.c_str(), asValue(text), CMPI_chars);
             for (const ReadyProperty& property : _diskProperties)
                 setReady(mb, instance, property);
             status = result->ft->returnInstance(result, instance);

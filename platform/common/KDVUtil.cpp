@@ -4,6 +4,7 @@
 
 #include <atomic>
 #include <cstdlib>
+#include <ctime>
 #include <unistd.h>
 
 using namespace CmpiCpp;
@@ -55,6 +56,14 @@ bool readVersion(std::string_view text, std::uint16_t& major, std::uint16_t& min
     return true;
 }
 
+std::string askedHostName()
+{
+    char name[256]; // HOST_NAME_MAX is 64; POSIX allows 255
+    if (gethostname(name, sizeof name) != 0) return "localhost";
+    name[sizeof name - 1] = '\0';
+    return name;
+}
+
 } // namespace
 
 void KDVUtil::setBroker(const CMPIBroker* broker) noexcept { theBroker.store(broker, std::memory_order_release); }
@@ -63,10 +72,20 @@ const CMPIBroker* KDVUtil::getBroker() noexcept { return theBroker.load(std::mem
 
 std::string KDVUtil::getHostName()
 {
-    char name[256]; // HOST_NAME_MAX is 64; POSIX allows 255
-    if (gethostname(name, sizeof name) != 0) return "localhost";
-    name[sizeof name - 1] = '\0';
-    return name;
+    // Every path carries the name, and a system call for each would be a tenth of an enumeration: within one tick of the
+    // kernel's coarse clock (a few milliseconds) a thread does not ask again.
+    struct Asked {
+        timespec tick{-1, -1};
+        std::string name;
+    };
+    thread_local Asked asked;
+    timespec now;
+    clock_gettime(CLOCK_MONOTONIC_COARSE, &now);
+    if (now.tv_sec != asked.tick.tv_sec || now.tv_nsec != asked.tick.tv_nsec) {
+        asked.name = askedHostName();
+        asked.tick = now;
+    }
+    return asked.name;
 }
 
 CmpiObjectPath KDVUtil::getComputerSystemPath()

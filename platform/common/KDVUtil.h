@@ -27,7 +27,7 @@ public:
     static void setBroker(const CMPIBroker* broker) noexcept;
     static const CMPIBroker* getBroker() noexcept;
 
-    // The local host name at this moment.
+    // The local host name at this moment, give or take a few milliseconds.
     static std::string getHostName();
 
     // The path of the computer system that hosts the storage. Class and namespace can be set in the configuration

@@ -7,6 +7,8 @@
 
 namespace KDV {
 
+// Packed like the records that hold it: another library may lay them at any address.
+#pragma pack(push, 1)
 template <class Record>
 class RecordLink {
 public:
@@ -23,7 +25,8 @@ public:
 private:
     std::uint32_t _low;
 };
+#pragma pack(pop)
 
-static_assert(sizeof(RecordLink<int>) == 4);
+static_assert(sizeof(RecordLink<int>) == 4 && alignof(RecordLink<int>) == 1);
 
 } // namespace KDV
