@@ -220,15 +220,4 @@ void SubscriptionStore::removeSubscription(const SubscriptionKey& key)
     change([&](SubscriptionState& next) { erase(next.subscriptions, key); });
 }
 
-void SubscriptionStore::removeWithSubscriptions(const ElementKey& destination)
-{
-    change([&](SubscriptionState& next) {
-        auto& all = next.subscriptions;
-        all.erase(std::remove_if(all.begin(), all.end(),
-                                 [&](const SubscriptionRecord& one) { return one.key.handler == destination; }),
-                  all.end());
-        erase(next.destinations, destination);
-    });
-}
-
 } // namespace KDV::Host

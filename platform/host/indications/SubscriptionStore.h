@@ -47,8 +47,6 @@ public:
     void removeFilter(const ElementKey& key);
     void removeDestination(const ElementKey& key);
     void removeSubscription(const SubscriptionKey& key);
-    // A destination and all its subscriptions in one step.
-    void removeWithSubscriptions(const ElementKey& destination);
 
     StateFile& file() noexcept { return _file; }
 

@@ -178,22 +178,6 @@ TEST_F(SubscriptionStoreTest, RemovesOnlyWhatIsNotInUse)
     EXPECT_EQ(refusal([&] { store.removeSubscription(subscription("f", "d").key); }).first, CMPI_RC_ERR_NOT_FOUND);
 }
 
-TEST_F(SubscriptionStoreTest, RemovesADestinationWithItsSubscriptionsInOneStep)
-{
-    SubscriptionStore store = make();
-    store.add(filter("f"));
-    store.add(filter("g"));
-    store.add(destination("d"));
-    store.add(destination("e"));
-    store.add(subscription("f", "d"));
-    store.add(subscription("g", "d"));
-    store.add(subscription("f", "e"));
-    store.removeWithSubscriptions(destination("d").key);
-    ASSERT_EQ(store.state().subscriptions.size(), 1u);
-    EXPECT_EQ(store.state().subscriptions[0].key.handler.name, "e");
-    EXPECT_EQ(store.state().destinations.size(), 1u);
-}
-
 TEST_F(SubscriptionStoreTest, KeepsStaticFiltersOutOfTheFileAndInPlace)
 {
     {
