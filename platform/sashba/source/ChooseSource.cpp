@@ -5,11 +5,13 @@
 #include "sashba/scenario/JsonTree.h"
 #include "sashba/scenario/ScenarioSource.h"
 #include "sashba/scenario/WatchedFile.h"
+#include "sashba/sysfs/SysfsSource.h"
 
 #include <cerrno>
 #include <cstdlib>
 #include <memory_resource>
 #include <string_view>
+#include <utility>
 
 #include <unistd.h>
 
@@ -75,6 +77,17 @@ ScenarioSurroundings surroundingsWith(const Logger& log)
     return surroundings;
 }
 
+std::unique_ptr<Source> runningMachine(const Logger& log)
+{
+    std::string root = environment("KDV_SYSFS_ROOT");
+    if (root.empty())
+        root = "/sys";
+    SysfsSurroundings surroundings;
+    surroundings.reportError = [log](const std::string& text) { log.error("%s", text.c_str()); };
+    surroundings.reportInfo = [log](const std::string& text) { log.info("%s", text.c_str()); };
+    return std::make_unique<SysfsSource>(root, std::move(surroundings));
+}
+
 } // namespace
 
 std::string configurationDirectory()
@@ -93,11 +106,8 @@ std::unique_ptr<Source> chooseSource(const Logger& log)
     const std::string directory = configurationDirectory();
     if (scenario.empty() && !readConfiguration(directory, log, scenario))
         return nullptr;
-    if (scenario.empty()) {
-        log.error("no scenario chosen, so there is no HBA: set KDV_SAS_SCENARIO or \"scenario\" in %sKDVSasHbaMRA.json",
-                  directory.c_str());
-        return nullptr;
-    }
+    if (scenario.empty())
+        return runningMachine(log);
     return std::make_unique<ScenarioSource>(scenario, surroundingsWith(log));
 }
 

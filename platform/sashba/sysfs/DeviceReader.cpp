@@ -1,0 +1,145 @@
+#include "sashba/sysfs/DeviceReader.h"
+
+#include "sashba/sysfs/DevicePath.h"
+#include "sashba/sysfs/DeviceText.h"
+#include "sashba/sysfs/ScsiPages.h"
+
+namespace KDV {
+namespace {
+
+constexpr char slotLink[] = "enclosure_device:";
+
+std::string page(const SysfsTree& tree, const std::string& path)
+{
+    return tree.bytes(path).value_or(std::string());
+}
+
+void readIdentity(const SysfsTree& tree, ScsiDevice& device)
+{
+    device.vendor = tree.text(device.path + "/vendor");
+    device.model = tree.text(device.path + "/model");
+    device.revision = tree.text(device.path + "/rev");
+    device.serial = parseUnitSerialNumber(ByteView(page(tree, device.path + "/vpd_pg80")));
+    device.wwid = tree.text(device.path + "/wwid");
+    if (device.wwid.empty()) {
+        if (const auto naa = parseNaaName(ByteView(page(tree, device.path + "/vpd_pg83"))))
+            device.wwid = "naa." + hex16(*naa);
+    }
+    if (device.wwid.find_first_not_of("naeui.t10 ") == std::string::npos) // "naa.0000000000000000" names no disk
+        device.wwid.clear();
+    device.rotation = parseRotationRate(ByteView(page(tree, device.path + "/vpd_pgb1")));
+}
+
+// The ATA page knows the whole firmware name, where INQUIRY has room for four letters of it.
+void readAtaIdentity(const SysfsTree& tree, ScsiDevice& device)
+{
+    const std::string bytes = page(tree, device.path + "/vpd_pg89");
+    if (bytes.empty())
+        return;
+    device.transport = Transport::Sata;
+    if (const auto ata = parseAtaInformation(ByteView(bytes))) {
+        if (!ata->firmware.empty())
+            device.revision = ata->firmware;
+        if (device.serial.empty())
+            device.serial = ata->serial;
+        if (!device.rotation)
+            device.rotation = ata->rotation;
+    }
+}
+
+void readBlock(const SysfsTree& tree, ScsiDevice& device)
+{
+    const std::vector<std::string> blocks = tree.names(device.path + "/block");
+    if (!blocks.empty()) {
+        device.blockName = blocks.front();
+        const std::string block = device.path + "/block/" + device.blockName;
+        device.sectors = tree.number(block + "/size").value_or(0);
+        device.logicalBlock = tree.number(block + "/queue/logical_block_size").value_or(0);
+        device.physicalBlock = tree.number(block + "/queue/physical_block_size").value_or(0);
+        if (!device.rotation && tree.number(block + "/queue/rotational") == 0U)
+            device.rotation = std::uint16_t{1}; // 0 there is said of solid-state disks only
+    }
+    const std::vector<std::string> generics = tree.names(device.path + "/scsi_generic");
+    if (!generics.empty())
+        device.genericName = generics.front();
+}
+
+void readTransport(const SysfsTree& tree, const DevicePath& split, ScsiDevice& device)
+{
+    device.hbaPort = split.hbaPort;
+    device.expander = split.expander;
+    if (!split.endDevice.empty()) {
+        const std::string sas = split.endDevice + "/sas_device/" + lastOf(split.endDevice) + "/";
+        device.sasAddress = tree.number(sas + "sas_address").value_or(0);
+        device.enclosureIdentifier = tree.number(sas + "enclosure_identifier").value_or(0);
+        device.bay = tree.number(sas + "bay_identifier");
+        device.phy = tree.number(sas + "phy_identifier");
+        const std::string protocols = tree.text(sas + "target_port_protocols");
+        if (protocols.find("ssp") != std::string::npos)
+            device.transport = Transport::Sas;
+        else if (protocols.find("sata") != std::string::npos)
+            device.transport = Transport::Sata;
+    }
+    if (device.sasAddress == 0)
+        device.sasAddress = tree.number(device.path + "/sas_address").value_or(0); // smartpqi: on the disk itself
+    if (device.transport == Transport::Unknown && device.vendor == "ATA")
+        device.transport = Transport::Sata;
+}
+
+void readPlace(const SysfsTree& tree, ScsiDevice& device)
+{
+    device.pathInfo = parsePathInfo(page(tree, device.path + "/path_info"));
+    device.raidLevel = tree.text(device.path + "/raid_level");
+    for (const std::string& name : tree.names(device.path)) {
+        if (name == "raid_devices")
+            device.raidClass = true;
+        if (name.compare(0, sizeof slotLink - 1, slotLink) != 0 || !device.slotDirectory.empty())
+            continue;
+        device.slotDirectory = tree.target(device.path + "/" + name);
+        if (!device.slotDirectory.empty())
+            device.slot = tree.number(device.slotDirectory + "/slot");
+    }
+}
+
+} // namespace
+
+std::optional<ScsiDevice> readScsiDevice(const SysfsTree& tree, const std::string& path)
+{
+    const DevicePath split = splitDevicePath(path);
+    const std::optional<ScsiAddress> address = parseScsiAddress(lastOf(path));
+    const std::uint64_t identity = tree.identity(path);
+    if (!address || identity == 0 || split.device != path)
+        return std::nullopt;
+    ScsiDevice device;
+    device.path = path;
+    device.identity = identity;
+    device.address = *address;
+    device.type = tree.number(path + "/type").value_or(0x1F);
+    device.state = tree.text(path + "/state");
+    readIdentity(tree, device);
+    readTransport(tree, split, device);
+    readAtaIdentity(tree, device);
+    readBlock(tree, device);
+    readPlace(tree, device);
+    return device;
+}
+
+std::uint64_t naaOf(const std::string& wwid)
+{
+    if (wwid.size() != 20 || wwid.compare(0, 4, "naa.") != 0)
+        return 0;
+    return wholeNumber("0x" + wwid.substr(4)).value_or(0);
+}
+
+std::string diskIdentity(const ScsiDevice& device)
+{
+    if (!device.wwid.empty())
+        return device.wwid;
+    if (!device.serial.empty())
+        return "serial " + device.vendor + " " + device.model + " " + device.serial;
+    if (device.sasAddress != 0)
+        return "sas " + hex16(device.sasAddress);
+    return {};
+}
+
+} // namespace KDV

@@ -1,0 +1,160 @@
+#include "sashba/sysfs/MachineBuilder.h"
+
+#include "sashba/sysfs/DrivePlan.h"
+#include "sashba/sysfs/RecordText.h"
+#include "sashba/sysfs/VolumePlan.h"
+
+#include <algorithm>
+#include <set>
+
+namespace KDV {
+namespace {
+
+std::string hbaName(const LiveHba& hba)
+{
+    std::string name = hba.model.empty() ? hba.driver : hba.model;
+    if (name.empty())
+        name = "SAS HBA";
+    if (!hba.serial.empty())
+        return name + " " + hba.serial;
+    if (hba.sasAddress != 0)
+        return name + " " + hex16(hba.sasAddress);
+    return name + " " + (hba.pciAddress.empty() ? "host" + std::to_string(hba.host) : hba.pciAddress);
+}
+
+// The host's state is all that the kernel tells of an adapter's health. Recovery passes; a host that goes has failed.
+void putHbaStatus(const LiveHba& hba, SasHbaRecord& image)
+{
+    if (hba.state == "running") {
+        image.controllerStatus = 2;
+        image.arraySystemStatus = 2;
+    } else if (hba.state == "recovery") {
+        image.arraySystemStatus = 3;
+    } else if (hba.state == "cancel" || hba.state == "del" || hba.state == "cancel/recovery" ||
+               hba.state == "del/recovery" || hba.state == "deleted/recovery") {
+        image.controllerStatus = 3;
+        image.arraySystemStatus = 4;
+    }
+}
+
+SasHbaRecord hbaImage(const LiveHba& hba)
+{
+    constexpr std::uint8_t genericModel = 2;
+    constexpr std::uint8_t unknownSlot = 255;
+    SasHbaRecord image{};
+    image.hbaNumber = hba.host;
+    image.slotNumber = hba.slot.value_or(unknownSlot);
+    image.modelCode = genericModel;
+    if (hba.slot)
+        putText(image.logicalLocation, "Slot " + std::to_string(*hba.slot));
+    else if (!hba.pciAddress.empty())
+        putText(image.logicalLocation, "PCI " + hba.pciAddress);
+    putText(image.firmwareVersion, hba.firmware);
+    putText(image.name, hbaName(hba));
+    putHbaStatus(hba, image);
+    return image;
+}
+
+SasStorageBoxRecord boxImage(const BoxPlan& box, const LiveHba& hba)
+{
+    SasStorageBoxRecord image{};
+    image.hbaNumber = hba.host;
+    image.boxNumber = box.number;
+    putText(image.model, box.model);
+    putText(image.firmwareVersion, box.revision);
+    putText(image.manufacturer, box.vendor);
+    putText(image.serialNumber, box.serial);
+    putText(image.name, "Port " + box.port + " Box " + std::to_string(box.number));
+    image.driveBays = static_cast<std::uint8_t>(std::min<std::uint64_t>(box.bays.value_or(0), 255));
+    if (!box.port.empty())
+        image.locationCode = box.port.back() == 'I' ? 2 : box.port.back() == 'E' ? 3 : 0;
+    if (box.state && !box.hung) {
+        image.status = box.state->status;
+        image.fanStatus = box.state->fans;
+        image.powerStatus = box.state->power;
+        image.temperatureStatus = box.state->temperature;
+    }
+    return image;
+}
+
+Element<SasPhysicalDriveRecord>* findDrive(MachineHba& hba, std::uint32_t number)
+{
+    const auto found = std::find_if(hba.physicalDrives.begin(), hba.physicalDrives.end(),
+                                    [number](const auto& drive) { return drive.key.number == number; });
+    return found == hba.physicalDrives.end() ? nullptr : &*found;
+}
+
+void addVolumes(const LiveMachine& live, const LiveHba& hba, const DrivesByPath& drives, const DeviceAnswers& answers,
+                MachineHba& made)
+{
+    const VolumesOfHba volumes = volumesOf(live, hba, drives, answers);
+    for (const SasLogicalDriveRecord& image : volumes.volumes) {
+        made.logicalDrives.emplace_back();
+        made.logicalDrives.back().key.number = image.logicalDriveNumber;
+        made.logicalDrives.back().image = image;
+    }
+    for (const auto& [number, usage] : volumes.usages) {
+        if (auto* drive = findDrive(made, number))
+            drive->image.usage = usage;
+    }
+}
+
+} // namespace
+
+bool isFirmwareVolume(const ScsiDevice& device, const LiveHba& hba)
+{
+    if (device.raidClass)
+        return true;
+    if (hba.driver == "megaraid_sas")
+        return device.address.channel >= 2; // the lower channels are disks passed through
+    return !device.raidLevel.empty() && device.raidLevel != "N/A";
+}
+
+Machine MachineBuilder::build(const LiveMachine& live, const DeviceAnswers& answers)
+{
+    Machine machine;
+    _wantsAnotherPass = false;
+    std::vector<DrivePlan> drives = groupDrives(live);
+    DrivesByPath byPath;
+    for (const LiveHba& hba : live.hbas) {
+        Numbers& numbers = _numbers[hba.host];
+        machine.emplace_back();
+        MachineHba& made = machine.back();
+        made.hba.key.number = hba.host;
+        made.hba.image = hbaImage(hba);
+        const std::vector<BoxPlan> boxes = planBoxes(live, hba, answers, _tree, numbers.boxes);
+        for (const BoxPlan& box : boxes) {
+            made.storageBoxes.emplace_back();
+            made.storageBoxes.back().key.number = box.number;
+            made.storageBoxes.back().image = boxImage(box, hba);
+        }
+        std::vector<DrivePlan*> own;
+        std::vector<NumberWish> wishes;
+        for (DrivePlan& drive : drives) {
+            if (drive.host != hba.host)
+                continue;
+            placeDrive(drive, boxes, _tree);
+            own.push_back(&drive);
+            wishes.push_back({drive.identity, wishedNumber(drive, boxes)});
+        }
+        const auto given = numbers.drives.assign(wishes);
+        _wantsAnotherPass = _wantsAnotherPass || numbers.drives.waiting();
+        for (std::size_t i = 0; i < own.size(); ++i) {
+            own[i]->number = given[i];
+            if (!given[i])
+                continue;
+            made.physicalDrives.emplace_back();
+            made.physicalDrives.back().key.number = *given[i];
+            made.physicalDrives.back().image = driveImage(*own[i], boxes, answers);
+            for (const ScsiDevice* path : own[i]->paths)
+                byPath[path->path] = {hba.host, *given[i]};
+        }
+        std::sort(made.physicalDrives.begin(), made.physicalDrives.end(),
+                  [](const auto& left, const auto& right) { return left.key.number < right.key.number; });
+    }
+    for (std::size_t i = 0; i < machine.size(); ++i)
+        addVolumes(live, live.hbas[i], byPath, answers, machine[i]);
+    return machine;
+}
+
+} // namespace KDV

@@ -1,0 +1,86 @@
+#include "sashba/sysfs/Numbering.h"
+
+namespace KDV {
+namespace {
+
+constexpr std::uint32_t firstByIdentity = 1000000;
+constexpr std::uint32_t lastByIdentity = 2000000000; // far from 0xFFFFFFFF, which names no drive
+
+std::uint32_t numberByIdentity(const std::string& identity)
+{
+    std::uint64_t hash = 14695981039346656037U; // FNV-1a: the same in every build and process
+    for (const char letter : identity)
+        hash = (hash ^ static_cast<unsigned char>(letter)) * 1099511628211U;
+    return firstByIdentity + static_cast<std::uint32_t>((hash ^ hash >> 32) % (lastByIdentity - firstByIdentity));
+}
+
+std::uint32_t nextByIdentity(std::uint32_t number)
+{
+    return number + 1 < lastByIdentity ? number + 1 : firstByIdentity;
+}
+
+} // namespace
+
+std::optional<std::uint32_t> numberByPlace(std::uint8_t box, std::uint64_t bay)
+{
+    if (bay >= baysOfABox)
+        return std::nullopt;
+    return box * baysOfABox + static_cast<std::uint32_t>(bay);
+}
+
+std::vector<std::optional<std::uint32_t>> DriveNumbering::assign(const std::vector<NumberWish>& wishes)
+{
+    std::vector<std::optional<std::uint32_t>> numbers(wishes.size());
+    std::map<std::string, std::uint32_t> present;
+    std::set<std::uint32_t> taken;
+    for (std::size_t i = 0; i < wishes.size(); ++i) {
+        const auto before = _present.find(wishes[i].identity);
+        if (before == _present.end() || !present.emplace(*before).second)
+            continue;
+        numbers[i] = before->second;
+        taken.insert(before->second);
+    }
+    std::set<std::uint32_t> givenUp;
+    for (const auto& [identity, number] : _present) {
+        if (taken.count(number) == 0)
+            givenUp.insert(number);
+    }
+    _waiting = false;
+    for (std::size_t i = 0; i < wishes.size(); ++i) {
+        if (numbers[i] || present.count(wishes[i].identity) != 0)
+            continue;
+        std::uint32_t number = wishes[i].byPlace.value_or(numberByIdentity(wishes[i].identity));
+        if (taken.count(number) != 0)
+            number = numberByIdentity(wishes[i].identity);
+        while (taken.count(number) != 0)
+            number = nextByIdentity(number);
+        if (givenUp.count(number) != 0) {
+            _waiting = true;
+            continue;
+        }
+        numbers[i] = number;
+        taken.insert(number);
+        present.emplace(wishes[i].identity, number);
+    }
+    _present = std::move(present);
+    return numbers;
+}
+
+std::optional<std::uint8_t> BoxNumbering::assign(const std::string& box, std::optional<std::uint8_t> wish)
+{
+    if (const auto known = _numbers.find(box); known != _numbers.end())
+        return known->second;
+    std::uint8_t number = wish.value_or(std::uint8_t{0});
+    if (number == 0 || _taken.count(number) != 0) {
+        number = 1;
+        while (number < 255 && _taken.count(number) != 0)
+            ++number;
+    }
+    if (number == 255)
+        return std::nullopt;
+    _numbers.emplace(box, number);
+    _taken.insert(number);
+    return number;
+}
+
+} // namespace KDV

@@ -1,0 +1,51 @@
+// Gives the drives and boxes of one HBA their numbers. A number follows from the place where that is known: the drive
+// in bay M of box N is N*1000+M, one that is directly attached has the number of its bay or port; so it is the same
+// after a re-plug and after a reboot. A drive without a place gets a number made of what it is (its world-wide name).
+// While a drive stays it keeps its number, whatever is learned about its place later. One thread at a time.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace KDV {
+
+struct NumberWish {
+    std::string identity;                    // what it is; unlike that of any other drive of the HBA
+    std::optional<std::uint32_t> byPlace;
+};
+
+class DriveNumbering {
+public:
+    // In the order of the wishes. A number that another drive had until now is given only at the next call, so that a
+    // swap between two refreshes shows as a pull and an insert; until then the drive has none.
+    std::vector<std::optional<std::uint32_t>> assign(const std::vector<NumberWish>& wishes);
+
+    // Some drive of the last call is waiting for its number.
+    bool waiting() const noexcept { return _waiting; }
+
+private:
+    std::map<std::string, std::uint32_t> _present;
+    bool _waiting = false;
+};
+
+class BoxNumbering {
+public:
+    // A box keeps its number as long as the process lives. A new one gets the wished one if it is free, else the
+    // lowest free one. Nothing when all are taken.
+    std::optional<std::uint8_t> assign(const std::string& box, std::optional<std::uint8_t> wish);
+
+private:
+    std::map<std::string, std::uint8_t> _numbers;
+    std::set<std::uint8_t> _taken;
+};
+
+constexpr std::uint32_t baysOfABox = 1000;
+
+// Nothing when the place is no plausible one.
+std::optional<std::uint32_t> numberByPlace(std::uint8_t box, std::uint64_t bay);
+
+} // namespace KDV
