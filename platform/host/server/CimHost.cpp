@@ -1,12 +1,23 @@
 #include "hostserver/CimHost.h"
 
 #include <algorithm>
+#include <array>
 #include <set>
 #include <stdexcept>
+
+#include <unistd.h>
 
 namespace KDV::Host {
 
 namespace fs = std::filesystem;
+
+std::string localHostName()
+{
+    std::array<char, 256> name{};
+    if (::gethostname(name.data(), name.size() - 1) != 0 || !name[0])
+        return "localhost";
+    return name.data();
+}
 
 CimHost::CimHost(HostOptions options)
     : _options(std::move(options)), _registrations(readRegistrations(_options.schemaDirectory / "kdv-sas.reg")),
@@ -16,19 +27,23 @@ CimHost::CimHost(HostOptions options)
     _broker = std::make_unique<Broker>(_repository, _options.broker);
     _table = std::make_unique<ProviderTable>(_repository);
     loadProviders();
+    _interop = std::make_unique<InteropProvider>(*_broker, localHostName());
+    for (const ProviderRoute& route : _interop->routes())
+        _table->add(route);
     _router = std::make_unique<Router>(*_broker, *_table);
     _broker->setUpcalls(_router.get());
     addInstanceOperations(_operations, *_router);
     addClassOperations(_operations);
     addAssociationOperations(_operations, *_router);
     addPullOperations(_operations, *_router, _contexts);
-    _service = std::make_unique<CimService>(*_broker, *_router, _operations);
+    _service = std::make_unique<CimService>(*_broker, *_router, _operations, localHostName());
     _server = std::make_unique<HttpServer>(*_service, _options.limits);
 }
 
 CimHost::~CimHost() { stop(); }
 
-// Every namespace has the common classes and, where providers are registered, ours.
+// Every namespace has the common classes and, where providers are registered, ours. Clients look for the interop
+// namespace under either name.
 void CimHost::loadSchema()
 {
     std::vector<fs::path> core;
@@ -39,11 +54,17 @@ void CimHost::loadSchema()
     std::set<std::string> nameSpaces;
     for (const Registration& registration : _registrations)
         nameSpaces.insert(registration.nameSpaces.begin(), registration.nameSpaces.end());
-    for (const std::string& nameSpace : nameSpaces) {
+    const auto load = [&](const std::string& nameSpace) {
         for (const fs::path& file : core)
             _repository.loadFile(file, nameSpace);
+    };
+    for (const std::string& nameSpace : nameSpaces) {
+        load(nameSpace);
         _repository.loadFile(_options.schemaDirectory / "kdv-sas.mof", nameSpace);
     }
+    load("interop");
+    load("root");
+    _repository.addAlias("root/interop", "interop");
     _repository.checkReferences();
 }
 
@@ -98,6 +119,8 @@ void CimHost::stop()
         return;
     _stopped = true;
     _server->stop();
+    for (const auto& ending : _endings)
+        ending();
     for (const auto& provider : _libraries)
         provider->cleanup();
     _broker->setUpcalls(nullptr);

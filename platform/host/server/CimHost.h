@@ -5,11 +5,13 @@
 
 #include "hostserver/CimService.h"
 #include "hostserver/HttpServer.h"
+#include "hostserver/InteropProvider.h"
 #include "hostserver/LibraryProvider.h"
 #include "hostserver/PullContexts.h"
 #include "hostserver/Registration.h"
 
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -24,6 +26,8 @@ struct HostOptions {
     PullLimits pull;
 };
 
+std::string localHostName();
+
 class CimHost {
 public:
     explicit CimHost(HostOptions options);
@@ -31,9 +35,11 @@ public:
     CimHost(const CimHost&) = delete;
     CimHost& operator=(const CimHost&) = delete;
 
-    // Built-in providers are added, and the classes of theirs loaded, before start(). They must outlive the host.
-    ClassRepository& repository() noexcept { return _repository; }
+    // Further built-in providers are added before serve(); they must outlive the host.
+    const ClassRepository& repository() const noexcept { return _repository; }
     void addRoute(const ProviderRoute& route);
+    // Run by stop() when no request is being served any more and the providers have not been cleaned up yet.
+    void beforeCleanup(std::function<void()> action) { _endings.push_back(std::move(action)); }
 
     // Makes the providers' function tables; the failures, one line each. A failed one is tried again when it is asked.
     std::vector<std::string> createProviders();
@@ -60,11 +66,13 @@ private:
     std::unique_ptr<Broker> _broker;
     std::unique_ptr<ProviderTable> _table;
     std::vector<std::unique_ptr<LibraryProvider>> _libraries;
+    std::unique_ptr<InteropProvider> _interop;
     std::unique_ptr<Router> _router;
     PullContexts _contexts;
     OperationTable _operations;
     std::unique_ptr<CimService> _service;
     std::unique_ptr<HttpServer> _server;
+    std::vector<std::function<void()>> _endings;
     bool _stopped = false;
 };
 

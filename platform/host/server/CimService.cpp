@@ -6,10 +6,6 @@
 #include "hostxml/RequestError.h"
 #include "hostxml/RequestReader.h"
 
-#include <array>
-
-#include <unistd.h>
-
 namespace KDV::Host {
 
 namespace {
@@ -17,14 +13,6 @@ namespace {
 struct CimSession : HttpService::Session {
     RequestReader reader;
 };
-
-std::string hostName()
-{
-    std::array<char, 256> name{};
-    if (::gethostname(name.data(), name.size() - 1) != 0 || !name[0])
-        return "localhost";
-    return name.data();
-}
 
 constexpr const char* knownMethods[] = {"GET", "HEAD", "PUT", "DELETE", "OPTIONS", "TRACE", "PATCH", "CONNECT"};
 
@@ -49,8 +37,9 @@ bool isXmlType(const HttpRequest& request)
 
 } // namespace
 
-CimService::CimService(Broker& broker, Router& router, const OperationTable& operations)
-    : _broker(broker), _router(router), _operations(operations), _fragments(broker.repository()), _hostName(hostName())
+CimService::CimService(Broker& broker, Router& router, const OperationTable& operations, std::string hostName)
+    : _broker(broker), _router(router), _operations(operations), _fragments(broker.repository()),
+      _hostName(std::move(hostName))
 {
 }
 

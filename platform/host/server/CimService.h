@@ -14,7 +14,7 @@ namespace KDV::Host {
 
 class CimService : public HttpService {
 public:
-    CimService(Broker& broker, Router& router, const OperationTable& operations);
+    CimService(Broker& broker, Router& router, const OperationTable& operations, std::string hostName);
     ~CimService() override;
 
     std::unique_ptr<Session> newSession() override;

@@ -8,11 +8,13 @@ namespace KDV::Host::Test {
 
 namespace fs = std::filesystem;
 
-void writeTestSchema(const fs::path& folder)
+void writeTestSchema(const fs::path& folder, bool core)
 {
     const fs::path source(KDV_SOURCE_DIR);
     fs::create_directories(folder / "core");
     fs::copy_file(source / "schema/core/qualifiers.mof", folder / "core/qualifiers.mof");
+    if (core)
+        fs::copy_file(source / "schema/core/cim-core.mof", folder / "core/cim-core.mof");
     fs::copy_file(source / "tests/host/provider/test.mof", folder / "kdv-sas.mof");
     const std::pair<const char*, const char*> served[] = {
         {"T_Disk", "instance"},       {"T_SolidDisk", "instance"}, {"T_Box", "instance method"},
@@ -34,7 +36,7 @@ TestHost::TestHost(const TestSettings& settings)
     if (!::mkdtemp(name.data()))
         throw std::runtime_error("cannot make a temporary folder");
     _folder = name;
-    writeTestSchema(_folder);
+    writeTestSchema(_folder, settings.core);
     ::setenv("KDV_TEST_DISKS", std::to_string(settings.disks).c_str(), 1);
     HostOptions options;
     options.schemaDirectory = _folder;

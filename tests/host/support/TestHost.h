@@ -13,6 +13,7 @@ namespace KDV::Host::Test {
 
 struct TestSettings {
     int disks = 8;
+    bool core = false; // with the common classes, as the program has them
     Profile profile = Profile::Standard;
     ServerLimits limits;
     PullLimits pull;
@@ -35,7 +36,7 @@ private:
 };
 
 // A folder with schema and registration of the test provider, for whoever starts the program itself.
-void writeTestSchema(const std::filesystem::path& folder);
+void writeTestSchema(const std::filesystem::path& folder, bool core);
 std::filesystem::path testProviderDirectory();
 
 } // namespace KDV::Host::Test
