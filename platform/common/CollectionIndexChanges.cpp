@@ -264,7 +264,7 @@ void CollectionIndex::closeGaps()
     Ids renumbered(_entries.size(), none);
     std::vector<Entry> entries;
     entries.reserve(_live);
-    std::vector<std::uint64_t> hidden(_live / 64 + 1);
+    std::vector<std::uint64_t> hidden(_live / 64 + 1); // none is: the hidden ones were just disposed of
     for (std::size_t id = 0; id < _entries.size(); ++id) {
         if (_entries[id].kind == Kind::gone) continue;
         renumbered[id] = static_cast<std::uint32_t>(entries.size());
@@ -280,10 +280,8 @@ void CollectionIndex::closeGaps()
     _sources.renumber(renumbered.data());
     _entries.swap(entries);
     _hidden.swap(hidden);
-    for (std::uint32_t id = 0; id < _entries.size(); ++id) {
+    for (std::uint32_t id = 0; id < _entries.size(); ++id)
         _entries[id].object->_id = id;
-        setVisible(id, _entries[id].object->_visible);
-    }
 }
 
 } // namespace KDV
