@@ -6,9 +6,8 @@
 #include <cerrno>
 #include <cstdint>
 #include <stdexcept>
-#include <system_error>
-
 #include <sys/eventfd.h>
+#include <system_error>
 #include <unistd.h>
 
 #include <curl/curl.h>
@@ -24,8 +23,7 @@ constexpr std::size_t maxAnswer = 64u << 10;
 void initialiseCurl()
 {
     static const CURLcode done = curl_global_init(CURL_GLOBAL_DEFAULT);
-    if (done != CURLE_OK)
-        throw std::runtime_error(std::string("libcurl: ") + curl_easy_strerror(done));
+    if (done != CURLE_OK) throw std::runtime_error(std::string("libcurl: ") + curl_easy_strerror(done));
 }
 
 // The handles of libcurl are all the same pointer type, so each kind names its own end.
@@ -42,8 +40,7 @@ struct FreeList {
 std::size_t collect(char* data, std::size_t size, std::size_t count, void* to)
 {
     auto& body = *static_cast<std::string*>(to);
-    if (body.size() + size * count > maxAnswer)
-        return 0; // libcurl ends the transfer
+    if (body.size() + size * count > maxAnswer) return 0; // libcurl ends the transfer
     body.append(data, size * count);
     return size * count;
 }
@@ -56,7 +53,8 @@ public:
     void cancel() noexcept override;
 
 private:
-    template <class Value> void set(CURLoption option, Value value);
+    template <class Value>
+    void set(CURLoption option, Value value);
     CURLcode transfer();
 
     int _wake;
@@ -68,7 +66,8 @@ private:
     std::unique_ptr<CURL, FreeEasy> _easy;
 };
 
-template <class Value> void CurlConnection::set(CURLoption option, Value value)
+template <class Value>
+void CurlConnection::set(CURLoption option, Value value)
 {
     if (const CURLcode done = curl_easy_setopt(_easy.get(), option, value); done != CURLE_OK)
         throw std::runtime_error(std::string("libcurl: ") + curl_easy_strerror(done));
@@ -78,16 +77,13 @@ CurlConnection::CurlConnection(const std::string& url, const ConnectionOptions& 
     : _wake((initialiseCurl(), ::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK))), _multi(curl_multi_init()),
       _easy(curl_easy_init())
 {
-    if (_wake < 0)
-        throw std::system_error(errno, std::generic_category(), "eventfd");
-    if (!_multi || !_easy)
-        throw std::bad_alloc();
+    if (_wake < 0) throw std::system_error(errno, std::generic_category(), "eventfd");
+    if (!_multi || !_easy) throw std::bad_alloc();
     // "Expect" would cost listeners that do not know it a second for every message.
     for (const char* header : {"Content-Type: application/xml; charset=utf-8", "CIMExport: MethodRequest",
                                "CIMExportMethod: ExportIndication", "CIMProtocolVersion: 1.0", "Accept:", "Expect:"}) {
         curl_slist* longer = curl_slist_append(_headers.get(), header);
-        if (!longer)
-            throw std::bad_alloc();
+        if (!longer) throw std::bad_alloc();
         _headers.release();
         _headers.reset(longer);
     }
@@ -105,8 +101,7 @@ CurlConnection::CurlConnection(const std::string& url, const ConnectionOptions& 
     set(CURLOPT_TIMEOUT_MS, static_cast<long>(options.answerTimeout.count()));
     set(CURLOPT_SSL_VERIFYPEER, options.verifyPeer ? 1L : 0L);
     set(CURLOPT_SSL_VERIFYHOST, options.verifyPeer ? 2L : 0L);
-    if (!options.caFile.empty())
-        set(CURLOPT_CAINFO, options.caFile.c_str());
+    if (!options.caFile.empty()) set(CURLOPT_CAINFO, options.caFile.c_str());
 #if LIBCURL_VERSION_NUM >= 0x075500
     set(CURLOPT_PROTOCOLS_STR, "http,https");
 #else
@@ -116,8 +111,7 @@ CurlConnection::CurlConnection(const std::string& url, const ConnectionOptions& 
 
 CurlConnection::~CurlConnection()
 {
-    if (_wake >= 0)
-        ::close(_wake);
+    if (_wake >= 0) ::close(_wake);
 }
 
 ExportAnswer CurlConnection::send(const std::string& message, const std::string& messageId)
@@ -132,18 +126,15 @@ ExportAnswer CurlConnection::send(const std::string& message, const std::string&
     long status = 0;
     curl_easy_getinfo(_easy.get(), CURLINFO_RESPONSE_CODE, &status);
     curl_multi_remove_handle(_multi.get(), _easy.get());
-    if (result != CURLE_OK)
-        return {ExportOutcome::Later, _error[0] != '\0' ? _error : curl_easy_strerror(result)};
+    if (result != CURLE_OK) return {ExportOutcome::Later, _error[0] != '\0' ? _error : curl_easy_strerror(result)};
     return readExportAnswer(status, _body, messageId);
 }
 
 CURLcode CurlConnection::transfer()
 {
     for (int running = 1; running != 0;) {
-        if (_cancelled.load())
-            return CURLE_ABORTED_BY_CALLBACK;
-        if (curl_multi_perform(_multi.get(), &running) != CURLM_OK)
-            return CURLE_FAILED_INIT;
+        if (_cancelled.load()) return CURLE_ABORTED_BY_CALLBACK;
+        if (curl_multi_perform(_multi.get(), &running) != CURLM_OK) return CURLE_FAILED_INIT;
         curl_waitfd wake{_wake, CURL_WAIT_POLLIN, 0};
         if (running != 0 && curl_multi_wait(_multi.get(), &wake, 1, 1'000, nullptr) != CURLM_OK)
             return CURLE_FAILED_INIT;
@@ -151,8 +142,7 @@ CURLcode CurlConnection::transfer()
     CURLcode result = CURLE_GOT_NOTHING;
     int left = 0;
     while (const CURLMsg* message = curl_multi_info_read(_multi.get(), &left))
-        if (message->msg == CURLMSG_DONE)
-            result = message->data.result;
+        if (message->msg == CURLMSG_DONE) result = message->data.result;
     return result;
 }
 

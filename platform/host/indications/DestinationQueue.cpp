@@ -1,6 +1,7 @@
 #include "indications/DestinationQueue.h"
 
 #include <algorithm>
+#include <csignal>
 #include <system_error>
 #include <utility>
 
@@ -27,8 +28,7 @@ std::chrono::milliseconds retryPause(const RetryOptions& options, unsigned failu
 DestinationQueue::DestinationQueue(Setup setup, std::unique_ptr<ListenerConnection> connection, Logger log)
     : _setup(std::move(setup)), _connection(std::move(connection)), _log(log),
       _clock(_setup.clock ? *_setup.clock : _systemClock)
-{
-}
+{}
 
 DestinationQueue::~DestinationQueue()
 {
@@ -59,12 +59,10 @@ void DestinationQueue::put(Export message)
         }
         _counters.dropped += dropped;
         startThread();
-        if (dropped != 0 && std::exchange(_dropLogged, true))
-            dropped = 0;
+        if (dropped != 0 && std::exchange(_dropLogged, true)) dropped = 0;
     }
     _signal.notify_all();
-    if (dropped != 0)
-        _log.error("%s: the queue is full, indications are being dropped", _setup.name.c_str());
+    if (dropped != 0) _log.error("%s: the queue is full, indications are being dropped", _setup.name.c_str());
 }
 
 // The one that is being sent stays: it may have arrived already. It alone never is too much.
@@ -78,8 +76,7 @@ void DestinationQueue::dropOldest(std::uint64_t& dropped)
 
 void DestinationQueue::startThread()
 {
-    if (_running || _items.empty())
-        return;
+    if (_running || _items.empty()) return;
     try {
         _thread = std::thread([this] { run(); });
         _running = true;
@@ -142,16 +139,14 @@ void DestinationQueue::join()
 {
     {
         Lock lock(_mutex);
-        if (_closing && !_abandoned)
-            _signal.wait_until(lock, _deadline, [this] { return !_running; });
+        if (_closing && !_abandoned) _signal.wait_until(lock, _deadline, [this] { return !_running; });
         if (_running && !_abandoned) {
             _abandoned = true;
             _signal.notify_all();
         }
     }
     _connection->cancel();
-    if (_thread.joinable())
-        _thread.join();
+    if (_thread.joinable()) _thread.join();
 }
 
 DestinationCounters DestinationQueue::counters() const
@@ -171,6 +166,11 @@ bool DestinationQueue::mustEnd() const
 
 void DestinationQueue::run()
 {
+    // A listener that closes its end must not end the process: libcurl leaves this signal to us.
+    sigset_t pipe;
+    sigemptyset(&pipe);
+    sigaddset(&pipe, SIGPIPE);
+    pthread_sigmask(SIG_BLOCK, &pipe, nullptr);
     Lock lock(_mutex);
     while (!mustEnd()) {
         if (_items.empty())
@@ -182,8 +182,7 @@ void DestinationQueue::run()
     _counters.withdrawn += left;
     _items.clear();
     _bytes = 0;
-    if (left != 0)
-        _log.error("%s: ended with %zu indications undelivered", _setup.name.c_str(), left);
+    if (left != 0) _log.error("%s: ended with %zu indications undelivered", _setup.name.c_str(), left);
     _running = false;
     _signal.notify_all();
 }
@@ -256,8 +255,7 @@ void DestinationQueue::settle(Lock& lock, const ExportAnswer& answer)
             lock.lock();
         }
     }
-    if (!refused)
-        pause(lock);
+    if (!refused) pause(lock);
 }
 
 // A close ends the pause, so that what can still be delivered is tried at once; a later one ends with join().

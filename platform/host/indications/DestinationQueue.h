@@ -1,14 +1,13 @@
 // The indications that wait for one listener, and the thread that delivers them one after the other. put() never waits
-// for the listener: what does not fit pushes out the oldest, and every loss is counted and seen by the listener as a gap
-// in the sequence numbers. A message that fails is tried again, with growing pauses, before any later one; the pauses
-// and the age at which one is given up are limited.
+// for the listener: what does not fit pushes out the oldest, and every loss is counted and seen by the listener as a
+// gap in the sequence numbers. A message that fails is tried again, with growing pauses, before any later one; the
+// pauses and the age at which one is given up are limited.
 //
 // The thread starts with the first message. Any thread may call; the queue's own lock is held for moments only.
 #pragma once
 
 #include "indications/ListenerConnection.h"
 #include "indications/SubscriptionRecords.h"
-
 #include "logger/Logger.h"
 
 #include <chrono>
@@ -52,9 +51,9 @@ struct QueueLimits {
 struct DestinationCounters {
     std::uint64_t delivered = 0;
     std::uint64_t failedAttempts = 0;
-    std::uint64_t dropped = 0;  // pushed out by later ones, or too large
-    std::uint64_t expired = 0;  // given up after too many attempts or too much time
-    std::uint64_t refused = 0;  // the listener will never take it
+    std::uint64_t dropped = 0;   // pushed out by later ones, or too large
+    std::uint64_t expired = 0;   // given up after too many attempts or too much time
+    std::uint64_t refused = 0;   // the listener will never take it
     std::uint64_t withdrawn = 0; // its subscription or destination went away, or the host ended
     std::size_t waiting = 0;
     std::size_t waitingBytes = 0;
@@ -130,9 +129,9 @@ private:
     std::deque<Item> _items;
     std::size_t _bytes = 0;
     std::uint64_t _nextNumber = 0;
-    bool _sending = false; // the first item is with the connection
+    bool _sending = false;        // the first item is with the connection
     bool _firstWithdrawn = false; // while it is sent: not to be tried again
-    unsigned _failures = 0; // in a row
+    unsigned _failures = 0;       // in a row
     bool _dropLogged = false;
     bool _closing = false;
     bool _abandoned = false;

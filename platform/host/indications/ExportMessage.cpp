@@ -31,11 +31,9 @@ bool meansLater(long code) noexcept { return code == 1 || code == 2 || code == 2
 
 ExportAnswer answerOf(const TreeCursor& response)
 {
-    if (response.required("NAME") != "ExportIndication")
-        response.refuse("answers another method");
+    if (response.required("NAME") != "ExportIndication") response.refuse("answers another method");
     for (TreeCursor at = response.child(); at; at = at.next()) {
-        if (!at.is("ERROR"))
-            continue;
+        if (!at.is("ERROR")) continue;
         const long code = std::strtol(std::string(at.required("CODE")).c_str(), nullptr, 10);
         std::string reason = "the listener answers CIM error " + std::to_string(code);
         if (const std::string_view text = at.attribute("DESCRIPTION", ""); !text.empty())
@@ -78,8 +76,7 @@ ExportAnswer readExportAnswer(long httpStatus, std::string_view body, std::strin
         XmlTree tree({16, 256, 32});
         tree.read(body);
         const TreeCursor message = TreeCursor(tree).expect("CIM").only().expect("MESSAGE");
-        if (message.required("ID") != messageId)
-            message.refuse("answers another message");
+        if (message.required("ID") != messageId) message.refuse("answers another message");
         return answerOf(message.only().expect("SIMPLEEXPRSP").only().expect("EXPMETHODRESPONSE"));
     } catch (const RequestError& error) {
         return {ExportOutcome::Later, std::string("the answer is none to an indication: ") + error.what()};

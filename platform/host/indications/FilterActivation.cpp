@@ -1,11 +1,10 @@
 #include "indications/FilterActivation.h"
 
-#include "indications/QueryCompiler.h"
-
 #include "broker/RequestScope.h"
 #include "broker/ResultObject.h"
 #include "broker/SelectExpObject.h"
 #include "hostschema/SchemaName.h"
+#include "indications/QueryCompiler.h"
 
 #include <algorithm>
 
@@ -49,14 +48,13 @@ void mustPoll(Broker& broker, CMPIIndicationMI* table, const Parameters& with)
 {
     NoResults sink;
     ResultObject result(broker, sink);
-    if (!table->ft->mustPoll)
-        return;
+    if (!table->ft->mustPoll) return;
     if (table->ft->ftVersion >= CMPIVersion210) {
         table->ft->mustPoll(table, with.context, result.cmpi(), with.filter, with.className, with.path);
         return;
     }
-    using Before = CMPIStatus (*)(CMPIIndicationMI*, const CMPIContext*, const CMPISelectExp*, const char*,
-                                  const CMPIObjectPath*);
+    using Before =
+        CMPIStatus (*)(CMPIIndicationMI*, const CMPIContext*, const CMPISelectExp*, const char*, const CMPIObjectPath*);
     auto* before = reinterpret_cast<Before>(reinterpret_cast<void (*)()>(table->ft->mustPoll));
     before(table, with.context, with.filter, with.className, with.path);
 }
@@ -65,8 +63,7 @@ void mustPoll(Broker& broker, CMPIIndicationMI* table, const Parameters& with)
 
 FilterActivation::FilterActivation(Broker& broker, std::vector<IndicationRegistration> registrations, Logger log)
     : _broker(broker), _registrations(std::move(registrations)), _log(log)
-{
-}
+{}
 
 // Runs `function` as one provider call: a scope, the usual context, filter and path made for it.
 template <class Function>
@@ -76,8 +73,7 @@ Outcome FilterActivation::call(const Active& active, const Target& target, const
     ContextObject& context = scope.context();
     context.addNumber("CMPIInvocationFlags", 0);
     context.addText("CMPIInitNameSpace", target.nameSpace);
-    if (!owner.empty())
-        context.addText("CMPIPrincipal", owner);
+    if (!owner.empty()) context.addText("CMPIPrincipal", owner);
     SelectExpObject& filter =
         scope.selectExp(active.filter.text, active.filter.language, evaluatorOf(active.filter.query));
     PathObject& path = scope.path(target.nameSpace, target.className);
@@ -91,11 +87,11 @@ bool FilterActivation::serves(const IndicationRegistration& registration, const 
     const ClassRepository& repository = _broker.repository();
     const Namespace* nameSpace = repository.findNamespace(registration.nameSpace);
     const ClassInfo* registered = repository.find(registration.nameSpace, registration.className);
-    if (!nameSpace || !registered)
-        return false;
+    if (!nameSpace || !registered) return false;
     for (const std::string& name : filter.nameSpaces) {
         const ClassInfo* wanted = repository.find(name, filter.query->className());
-        if (repository.findNamespace(name) == nameSpace && wanted && (registered->isA(*wanted) || wanted->isA(*registered)))
+        if (repository.findNamespace(name) == nameSpace && wanted &&
+            (registered->isA(*wanted) || wanted->isA(*registered)))
             return true;
     }
     return false;
@@ -104,15 +100,13 @@ bool FilterActivation::serves(const IndicationRegistration& registration, const 
 Outcome FilterActivation::findTargets(Active& active)
 {
     for (const IndicationRegistration& registration : _registrations) {
-        if (!serves(registration, active.filter))
-            continue;
+        if (!serves(registration, active.filter)) continue;
         Provider& provider = _providers[registration.provider];
         provider.name = registration.provider;
         if (!provider.table) {
             Outcome outcome{CMPI_RC_ERR_NOT_SUPPORTED, "provider " + provider.name + " sends no indications"};
             provider.table = registration.load(outcome);
-            if (!provider.table)
-                return outcome;
+            if (!provider.table) return outcome;
         }
         if (provider.table->ft->ftVersion < CMPIVersion100)
             return {CMPI_RC_ERR_NOT_SUPPORTED, "provider " + provider.name + " has an interface of before CMPI 1.0"};
@@ -128,8 +122,7 @@ Outcome FilterActivation::authorize(const Active& active, const std::string& own
 {
     for (const Target& target : active.targets) {
         CMPIIndicationMI* table = target.provider->table;
-        if (!table->ft->authorizeFilter)
-            continue;
+        if (!table->ft->authorizeFilter) continue;
         Outcome outcome = call(active, target, owner, [&](const Parameters& with) {
             return table->ft->authorizeFilter(table, with.context, with.filter, with.className, with.path,
                                               owner.empty() ? nullptr : owner.c_str());
@@ -163,14 +156,12 @@ Outcome FilterActivation::activate(Active& active)
 {
     for (std::size_t i = 0; i < active.targets.size(); ++i) {
         Outcome outcome = activateOne(active, active.targets[i]);
-        if (outcome.rc == CMPI_RC_OK)
-            continue;
+        if (outcome.rc == CMPI_RC_OK) continue;
         deactivate(active, i);
         return outcome;
     }
     for (const Target& target : active.targets)
-        if (target.provider->filters++ == 0)
-            enable(*target.provider, target.nameSpace, true);
+        if (target.provider->filters++ == 0) enable(*target.provider, target.nameSpace, true);
     return {};
 }
 
@@ -211,32 +202,26 @@ Outcome FilterActivation::add(const FilterToActivate& filter, const std::string&
     const auto found = _filters.find(filter.key);
     if (found != _filters.end()) {
         Outcome outcome = authorize(found->second, owner);
-        if (outcome.rc == CMPI_RC_OK)
-            ++found->second.subscriptions;
+        if (outcome.rc == CMPI_RC_OK) ++found->second.subscriptions;
         return outcome;
     }
     Active active{filter, {}, 1};
     Outcome outcome = findTargets(active);
-    if (outcome.rc == CMPI_RC_OK)
-        outcome = authorize(active, owner);
-    if (outcome.rc == CMPI_RC_OK)
-        outcome = activate(active);
-    if (outcome.rc == CMPI_RC_OK)
-        _filters.emplace(filter.key, std::move(active));
+    if (outcome.rc == CMPI_RC_OK) outcome = authorize(active, owner);
+    if (outcome.rc == CMPI_RC_OK) outcome = activate(active);
+    if (outcome.rc == CMPI_RC_OK) _filters.emplace(filter.key, std::move(active));
     return outcome;
 }
 
 void FilterActivation::remove(const ElementKey& filter)
 {
     const auto found = _filters.find(filter);
-    if (found == _filters.end() || --found->second.subscriptions != 0)
-        return;
+    if (found == _filters.end() || --found->second.subscriptions != 0) return;
     const Active active = std::move(found->second);
     _filters.erase(found);
     deactivate(active, active.targets.size());
     for (const Target& target : active.targets)
-        if (--target.provider->filters == 0)
-            enable(*target.provider, target.nameSpace, false);
+        if (--target.provider->filters == 0) enable(*target.provider, target.nameSpace, false);
 }
 
 void FilterActivation::clear()

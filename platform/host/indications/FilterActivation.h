@@ -1,14 +1,13 @@
-// Tells the providers' indication functions which filters are in use, in the order that CMPI has for it: authorizeFilter
-// for every subscription; mustPoll, activateFilter and then, with a provider's first filter, enableIndications; the
-// mirror when the last subscription of a filter goes. One thread at a time (the caller's lock), and none that holds a
-// lock which deliverIndication needs: providers may deliver from inside these calls.
+// Tells the providers' indication functions which filters are in use, in the order that CMPI has for it:
+// authorizeFilter for every subscription; mustPoll, activateFilter and then, with a provider's first filter,
+// enableIndications; the mirror when the last subscription of a filter goes. One thread at a time (the caller's lock),
+// and none that holds a lock which deliverIndication needs: providers may deliver from inside these calls.
 #pragma once
 
 #include "broker/Broker.h"
 #include "cmpi/ProviderTables.h"
 #include "indications/Query.h"
 #include "indications/SubscriptionRecords.h"
-
 #include "logger/Logger.h"
 
 #include <functional>
@@ -62,8 +61,8 @@ private:
         std::vector<Target> targets;
         unsigned subscriptions = 0;
     };
-    template <class Function> Outcome call(const Active& active, const Target& target, const std::string& owner,
-                                           Function function);
+    template <class Function>
+    Outcome call(const Active& active, const Target& target, const std::string& owner, Function function);
     bool serves(const IndicationRegistration& registration, const FilterToActivate& filter) const;
     Outcome findTargets(Active& active);
     Outcome authorize(const Active& active, const std::string& owner);

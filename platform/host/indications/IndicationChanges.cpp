@@ -1,6 +1,5 @@
 // The part of IndicationService that clients' wishes go through: check, tell the providers, keep on disk, publish.
 #include "indications/IndicationService.h"
-
 #include "indications/ListenerUrl.h"
 #include "indications/QueryError.h"
 #include "indications/Refusal.h"
@@ -14,11 +13,9 @@ namespace {
 
 bool declaresBelow(const Namespace& nameSpace, const ClassInfo& base, const std::string& property)
 {
-    if (base.findProperty(property))
-        return true;
+    if (base.findProperty(property)) return true;
     for (const ClassInfo* one : nameSpace.subclasses(&base, true))
-        if (one->findProperty(property))
-            return true;
+        if (one->findProperty(property)) return true;
     return false;
 }
 
@@ -31,19 +28,16 @@ void IndicationService::checkClass(const FilterRecord& filter, const Query& quer
     std::vector<std::string> unknown = query.propertiesNamed();
     for (const std::string& name : nameSpacesOf(filter, _options.interopNamespace)) {
         const Namespace* nameSpace = repository.findNamespace(name);
-        if (!nameSpace)
-            throw Refusal(CMPI_RC_ERR_INVALID_PARAMETER, "there is no namespace " + name);
+        if (!nameSpace) throw Refusal(CMPI_RC_ERR_INVALID_PARAMETER, "there is no namespace " + name);
         const ClassInfo* wanted = nameSpace->find(query.className());
-        if (!wanted)
-            continue;
+        if (!wanted) continue;
         known = true;
         if (!wanted->isIndication())
             throw Refusal(CMPI_RC_ERR_INVALID_QUERY, "class " + wanted->name() + " is no indication class");
-        unknown.erase(std::remove_if(unknown.begin(), unknown.end(),
-                                     [&](const std::string& property) {
-                                         return declaresBelow(*nameSpace, *wanted, property);
-                                     }),
-                      unknown.end());
+        unknown.erase(
+            std::remove_if(unknown.begin(), unknown.end(),
+                           [&](const std::string& property) { return declaresBelow(*nameSpace, *wanted, property); }),
+            unknown.end());
     }
     if (!known)
         throw Refusal(CMPI_RC_ERR_INVALID_QUERY,
@@ -99,8 +93,7 @@ void IndicationService::replace(const SubscriptionRecord& subscription)
     const Lock lock(_changes);
     expire();
     const SubscriptionRecord* old = _store.findSubscription(subscription.key);
-    if (!old)
-        throw Refusal(CMPI_RC_ERR_NOT_FOUND, "there is no such subscription any more");
+    if (!old) throw Refusal(CMPI_RC_ERR_NOT_FOUND, "there is no such subscription any more");
     SubscriptionRecord next = subscription;
     next.stateChanged = old->enabled == next.enabled ? old->stateChanged : now();
     const bool wake = next.enabled && _activated.count(next.key) == 0;
@@ -110,15 +103,12 @@ void IndicationService::replace(const SubscriptionRecord& subscription)
     try {
         _store.replace(next);
     } catch (...) {
-        if (wake)
-            deactivate(next);
+        if (wake) deactivate(next);
         throw;
     }
-    if (!next.enabled)
-        deactivate(next);
+    if (!next.enabled) deactivate(next);
     publish();
-    if (!next.enabled)
-        withdraw(next);
+    if (!next.enabled) withdraw(next);
 }
 
 void IndicationService::removeFilter(const ElementKey& key)
@@ -141,8 +131,7 @@ void IndicationService::removeSubscription(const SubscriptionKey& key)
 {
     const Lock lock(_changes);
     const SubscriptionRecord* found = _store.findSubscription(key);
-    if (!found)
-        throw Refusal(CMPI_RC_ERR_NOT_FOUND, "there is no such subscription");
+    if (!found) throw Refusal(CMPI_RC_ERR_NOT_FOUND, "there is no such subscription");
     dropSubscription(*found);
 }
 

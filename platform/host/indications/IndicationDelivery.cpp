@@ -1,11 +1,9 @@
 // The half of IndicationService that runs on providers' threads.
-#include "indications/IndicationService.h"
-
-#include "indications/IndicationText.h"
-#include "indications/QueryCompiler.h"
-
 #include "hostschema/SchemaName.h"
 #include "hostxml/InstanceWriter.h"
+#include "indications/IndicationService.h"
+#include "indications/IndicationText.h"
+#include "indications/QueryCompiler.h"
 
 #include <algorithm>
 
@@ -26,8 +24,7 @@ std::vector<std::string> propertiesToWrite(const InstanceObject& indication, con
     for (const PropertyEntry& entry : indication.properties()) {
         const std::string& name = entry.property->name;
         const auto same = [&](const std::string& one) { return sameName(one, name); };
-        if (!isPerDestination(name) &&
-            (selected.empty() || std::any_of(selected.begin(), selected.end(), same)))
+        if (!isPerDestination(name) && (selected.empty() || std::any_of(selected.begin(), selected.end(), same)))
             names.push_back(name);
     }
     return names;
@@ -50,11 +47,9 @@ unsigned IndicationService::followers()
 Outcome IndicationService::deliver(const CMPIContext*, std::string_view nameSpace, const InstanceObject& indication)
 try {
     const std::shared_ptr<const Active> now = active();
-    if (!now->anybody)
-        return {CMPI_RC_ERR_FAILED, "nobody has asked for indications"};
+    if (!now->anybody) return {CMPI_RC_ERR_FAILED, "nobody has asked for indications"};
     exportTo(*now, nameSpace, indication);
-    if (!_options.journal.empty())
-        _journal.send(indicationFields(_options.identifier, nameSpace, indication));
+    if (!_options.journal.empty()) _journal.send(indicationFields(_options.identifier, nameSpace, indication));
     if (now->stream && now->stream->followers() != 0)
         now->stream->publish(indicationLine(nameSpace, indication, _options.microseconds()));
     return {};
@@ -71,11 +66,9 @@ void IndicationService::exportTo(const Active& active, std::string_view nameSpac
     for (const Match& match : active.matches) {
         const bool here =
             std::find(match.nameSpaces.begin(), match.nameSpaces.end(), delivered) != match.nameSpaces.end();
-        if (!here || _options.microseconds() >= match.expires || !match.query->matches(source))
-            continue;
+        if (!here || _options.microseconds() >= match.expires || !match.query->matches(source)) continue;
         auto& text = texts[match.query->selected()];
-        if (!text)
-            text = instanceText(nameSpace, indication, match.query->selected());
+        if (!text) text = instanceText(nameSpace, indication, match.query->selected());
         match.queue->put({text, match.filterName, match.subscription, match.giveUpAfter});
     }
 }

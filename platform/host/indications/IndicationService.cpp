@@ -1,10 +1,9 @@
 #include "indications/IndicationService.h"
 
+#include "hostschema/SchemaName.h"
 #include "indications/ListenerUrl.h"
 #include "indications/QueryError.h"
 #include "indications/Refusal.h"
-
-#include "hostschema/SchemaName.h"
 
 #include <algorithm>
 #include <chrono>
@@ -22,10 +21,11 @@ std::int64_t systemMicroseconds()
 
 IndicationOptions completed(IndicationOptions options)
 {
-    if (!options.microseconds)
-        options.microseconds = systemMicroseconds;
+    if (!options.microseconds) options.microseconds = systemMicroseconds;
     if (!options.connect)
-        options.connect = [connection = options.connection](const std::string& url) { return connectTo(url, connection); };
+        options.connect = [connection = options.connection](const std::string& url) {
+            return connectTo(url, connection);
+        };
     return options;
 }
 
@@ -41,8 +41,7 @@ std::vector<std::string> nameSpacesOf(const FilterRecord& filter, const std::str
             return sameName(name, *filter.sourceNamespace);
         }))
         names.push_back(*filter.sourceNamespace);
-    if (names.empty())
-        names.push_back(interop); // a filter that names none looks where it stands itself
+    if (names.empty()) names.push_back(interop); // a filter that names none looks where it stands itself
     return names;
 }
 
@@ -84,25 +83,22 @@ void IndicationService::start()
     for (const DestinationRecord& destination : _store.state().destinations)
         addQueue(destination);
     if (_options.stream)
-        _stream = std::make_shared<LocalStream>(*_options.stream, [this](bool on) { follow(on); }, _log);
+        _stream = std::make_shared<LocalStream>(
+            *_options.stream, [this](bool on) { follow(on); }, _log);
     _running = true;
     expire();
     for (const SubscriptionRecord& subscription : _store.state().subscriptions) {
-        if (!subscription.enabled)
-            continue;
+        if (!subscription.enabled) continue;
         const Outcome outcome = activate(subscription);
-        if (outcome.rc == CMPI_RC_OK)
-            continue;
+        if (outcome.rc == CMPI_RC_OK) continue;
         _degraded.insert(subscription.key);
         _log.error("the subscription of %s to %s gets nothing: %s", subscription.key.handler.name.c_str(),
                    subscription.key.filter.name.c_str(), outcome.message.c_str());
     }
     publish();
-    if (!_options.followAlways)
-        return;
+    if (!_options.followAlways) return;
     for (const FilterRecord& filter : _options.staticFilters)
-        if (_activation.add(toActivate(filter), {}).rc == CMPI_RC_OK)
-            _followed.insert(filter.key);
+        if (_activation.add(toActivate(filter), {}).rc == CMPI_RC_OK) _followed.insert(filter.key);
     publish();
 }
 
@@ -145,8 +141,7 @@ Outcome IndicationService::activate(const SubscriptionRecord& subscription)
     try {
         for (const FilterRecord* filter : _store.filtersOf(subscription)) {
             outcome = _activation.add(toActivate(*filter), subscription.creator);
-            if (outcome.rc != CMPI_RC_OK)
-                break;
+            if (outcome.rc != CMPI_RC_OK) break;
             done.push_back(filter->key);
         }
     } catch (const QueryError& error) {
@@ -165,8 +160,7 @@ Outcome IndicationService::activate(const SubscriptionRecord& subscription)
 void IndicationService::deactivate(const SubscriptionRecord& subscription)
 {
     _degraded.erase(subscription.key);
-    if (_activated.erase(subscription.key) == 0)
-        return;
+    if (_activated.erase(subscription.key) == 0) return;
     for (const FilterRecord* filter : _store.filtersOf(subscription))
         _activation.remove(filter->key);
 }
@@ -187,15 +181,13 @@ void IndicationService::addQueue(const DestinationRecord& destination)
     setup.retry = _options.retry;
     setup.clock = _options.clock;
     setup.gaveUp = [this](const SubscriptionKey& key) { deliveryFailed(key); };
-    _queues[destination.key] =
-        std::make_shared<DestinationQueue>(std::move(setup), _options.connect(url.text()), _log);
+    _queues[destination.key] = std::make_shared<DestinationQueue>(std::move(setup), _options.connect(url.text()), _log);
 }
 
 void IndicationService::retireQueue(const ElementKey& key)
 {
     const auto found = _queues.find(key);
-    if (found == _queues.end())
-        return;
+    if (found == _queues.end()) return;
     found->second->abandon();
     _retired.push_back(std::move(found->second));
     _queues.erase(found);
@@ -204,8 +196,7 @@ void IndicationService::retireQueue(const ElementKey& key)
 void IndicationService::reap()
 {
     const auto over = [](const std::shared_ptr<DestinationQueue>& queue) {
-        if (!queue->ended())
-            return false;
+        if (!queue->ended()) return false;
         queue->join();
         return true;
     };
@@ -215,8 +206,7 @@ void IndicationService::reap()
 void IndicationService::withdraw(const SubscriptionRecord& subscription)
 {
     const auto found = _queues.find(subscription.key.handler);
-    if (found != _queues.end())
-        found->second->withdraw(subscription.key);
+    if (found != _queues.end()) found->second->withdraw(subscription.key);
 }
 
 // On disk first: what is gone there does not come back, whatever the provider says to it.
@@ -234,7 +224,8 @@ void IndicationService::expire()
     std::vector<SubscriptionRecord> over;
     for (const SubscriptionRecord& one : _store.state().subscriptions)
         if (one.durationSeconds &&
-            one.started + static_cast<std::int64_t>(std::min(*one.durationSeconds, longestDuration)) * 1'000'000 <= now())
+            one.started + static_cast<std::int64_t>(std::min(*one.durationSeconds, longestDuration)) * 1'000'000 <=
+                now())
             over.push_back(one);
     for (const SubscriptionRecord& one : over)
         try {
@@ -279,8 +270,7 @@ std::map<ElementKey, DestinationCounters> IndicationService::counters()
 void IndicationService::addMatches(Active& active, const SubscriptionRecord& subscription)
 {
     const auto queue = _queues.find(subscription.key.handler);
-    if (queue == _queues.end() || _activated.count(subscription.key) == 0)
-        return;
+    if (queue == _queues.end() || _activated.count(subscription.key) == 0) return;
     const auto key = std::make_shared<const SubscriptionKey>(subscription.key);
     for (const FilterRecord* filter : _store.filtersOf(subscription)) {
         const FilterToActivate made = toActivate(*filter);
@@ -288,12 +278,14 @@ void IndicationService::addMatches(Active& active, const SubscriptionRecord& sub
         for (const std::string& name : made.nameSpaces)
             if (const Namespace* nameSpace = _broker.repository().findNamespace(name))
                 match.nameSpaces.push_back(nameSpace);
-        const bool acts = subscription.policy == FatalErrorPolicy::Disable || subscription.policy == FatalErrorPolicy::Remove;
+        const bool acts =
+            subscription.policy == FatalErrorPolicy::Disable || subscription.policy == FatalErrorPolicy::Remove;
         if (acts && subscription.failureTriggerSeconds)
             match.giveUpAfter = std::chrono::seconds(std::min(*subscription.failureTriggerSeconds, longestDuration));
         if (subscription.durationSeconds)
-            match.expires = subscription.started +
-                            static_cast<std::int64_t>(std::min(*subscription.durationSeconds, longestDuration)) * 1'000'000;
+            match.expires =
+                subscription.started +
+                static_cast<std::int64_t>(std::min(*subscription.durationSeconds, longestDuration)) * 1'000'000;
         active.matches.push_back(std::move(match));
     }
 }
@@ -316,8 +308,7 @@ void IndicationService::deliveryFailed(const SubscriptionKey& key)
 {
     const Lock lock(_changes);
     const SubscriptionRecord* found = _running ? _store.findSubscription(key) : nullptr;
-    if (!found)
-        return;
+    if (!found) return;
     try {
         applyPolicy(SubscriptionRecord(*found));
     } catch (const Refusal& refusal) {
@@ -355,8 +346,7 @@ void IndicationService::applyPolicy(const SubscriptionRecord& subscription)
 void IndicationService::follow(bool on)
 {
     const Lock lock(_changes);
-    if (!_running || _options.followAlways)
-        return;
+    if (!_running || _options.followAlways) return;
     for (const FilterRecord& filter : _options.staticFilters) {
         if (on && _activation.add(toActivate(filter), {}).rc == CMPI_RC_OK)
             _followed.insert(filter.key);

@@ -1,7 +1,7 @@
 // Subscriptions at work: what clients create is kept in the store, told to the providers and matched with what they
 // deliver; every match goes to its destination's queue, and every indication to the journal and to those who follow the
-// local stream. The host makes one, installs it as the broker's indication sink, calls start() once its providers can be
-// asked and stop() before they are cleaned up.
+// local stream. The host makes one, installs it as the broker's indication sink, calls start() once its providers can
+// be asked and stop() before they are cleaned up.
 //
 // Changes take one lock that is held while providers are called. deliver() never takes that lock, so that a provider
 // may deliver from anywhere without waiting for a client, a listener or the disk.
@@ -30,8 +30,8 @@ struct IndicationOptions {
     std::filesystem::path stateDirectory; // exists and belongs to the host
     std::string interopNamespace = "interop";
     std::string systemClass = "CIM_ComputerSystem";
-    std::string systemName; // the host's; stands in keys that a client leaves out
-    std::string identifier = "kdv-cimhost"; // in the journal
+    std::string systemName;                          // the host's; stands in keys that a client leaves out
+    std::string identifier = "kdv-cimhost";          // in the journal
     std::string journal = JournalSocket::systemPath; // empty: no journal
     std::optional<StreamOptions> stream;
     // Static filters are active from start() to stop() for journal and stream alone, without any subscription;

@@ -18,33 +18,47 @@ Json valueJson(CMPIType type, const CMPIValue& value, unsigned depth)
 {
     constexpr unsigned maxDepth = 8;
     switch (type) {
-    case CMPI_boolean: return value.boolean != 0;
-    case CMPI_char16: return value.char16;
-    case CMPI_uint8: return value.uint8;
-    case CMPI_uint16: return value.uint16;
-    case CMPI_uint32: return value.uint32;
-    case CMPI_uint64: return value.uint64;
-    case CMPI_sint8: return value.sint8;
-    case CMPI_sint16: return value.sint16;
-    case CMPI_sint32: return value.sint32;
-    case CMPI_sint64: return value.sint64;
-    case CMPI_real32: return value.real32;
-    case CMPI_real64: return value.real64;
-    case CMPI_string: return std::string(textOf(value));
-    case CMPI_dateTime: return std::string(dateTextOf(value));
-    case CMPI_ref: return value.ref ? Json(PathObject::of(value.ref).text()) : Json();
+    case CMPI_boolean:
+        return value.boolean != 0;
+    case CMPI_char16:
+        return value.char16;
+    case CMPI_uint8:
+        return value.uint8;
+    case CMPI_uint16:
+        return value.uint16;
+    case CMPI_uint32:
+        return value.uint32;
+    case CMPI_uint64:
+        return value.uint64;
+    case CMPI_sint8:
+        return value.sint8;
+    case CMPI_sint16:
+        return value.sint16;
+    case CMPI_sint32:
+        return value.sint32;
+    case CMPI_sint64:
+        return value.sint64;
+    case CMPI_real32:
+        return value.real32;
+    case CMPI_real64:
+        return value.real64;
+    case CMPI_string:
+        return std::string(textOf(value));
+    case CMPI_dateTime:
+        return std::string(dateTextOf(value));
+    case CMPI_ref:
+        return value.ref ? Json(PathObject::of(value.ref).text()) : Json();
     case CMPI_instance:
         return value.inst && depth < maxDepth ? objectJson(InstanceObject::of(value.inst), depth + 1) : Json();
-    default: return nullptr;
+    default:
+        return nullptr;
     }
 }
 
 Json dataJson(const CMPIData& data, unsigned depth)
 {
-    if (isNull(data))
-        return nullptr;
-    if ((data.type & CMPI_ARRAY) == 0)
-        return valueJson(data.type, data.value, depth);
+    if (isNull(data)) return nullptr;
+    if ((data.type & CMPI_ARRAY) == 0) return valueJson(data.type, data.value, depth);
     Json list = Json::array();
     const ArrayObject& array = ArrayObject::of(data.value.array);
     for (const CMPIData& element : array)
@@ -56,18 +70,15 @@ Json objectJson(const InstanceObject& instance, unsigned depth)
 {
     Json properties = Json::object();
     for (const PropertyEntry& entry : instance.properties())
-        if (!entry.isNull())
-            properties[entry.property->name] = dataJson(entry.data(), depth);
+        if (!entry.isNull()) properties[entry.property->name] = dataJson(entry.data(), depth);
     return {{"class", instance.path->className}, {"properties", std::move(properties)}};
 }
 
 std::string textProperty(const InstanceObject& indication, const char* name)
 {
     const PropertyEntry* entry = indication.find(name);
-    if (!entry || entry->isNull())
-        return {};
-    if (entry->type == CMPI_string)
-        return std::string(textOf(entry->value));
+    if (!entry || entry->isNull()) return {};
+    if (entry->type == CMPI_string) return std::string(textOf(entry->value));
     const Json json = dataJson(entry->data(), 0);
     return json.dump(-1, ' ', false, Json::error_handler_t::replace);
 }
@@ -77,8 +88,7 @@ int priorityOf(const InstanceObject& indication)
 {
     constexpr std::array<int, 8> priorities{5, 5, 6, 4, 4, 3, 2, 1};
     const PropertyEntry* entry = indication.find("PerceivedSeverity");
-    if (!entry || entry->isNull() || entry->type != CMPI_uint16 || entry->value.uint16 >= priorities.size())
-        return 5;
+    if (!entry || entry->isNull() || entry->type != CMPI_uint16 || entry->value.uint16 >= priorities.size()) return 5;
     return priorities[entry->value.uint16];
 }
 
@@ -91,7 +101,8 @@ std::string indicationLine(std::string_view nameSpace, const InstanceObject& ind
     return line.dump(-1, ' ', false, Json::error_handler_t::replace);
 }
 
-JournalFields indicationFields(std::string_view identifier, std::string_view nameSpace, const InstanceObject& indication)
+JournalFields indicationFields(std::string_view identifier, std::string_view nameSpace,
+                               const InstanceObject& indication)
 {
     JournalFields fields;
     std::string message = textProperty(indication, "Summary");

@@ -14,7 +14,8 @@ namespace KDV::Host {
 // {"time": ..., "namespace": ..., "class": ..., "properties": {...}}; properties that are NULL are left out.
 std::string indicationLine(std::string_view nameSpace, const InstanceObject& indication, std::int64_t microseconds);
 
-JournalFields indicationFields(std::string_view identifier, std::string_view nameSpace, const InstanceObject& indication);
+JournalFields indicationFields(std::string_view identifier, std::string_view nameSpace,
+                               const InstanceObject& indication);
 
 // "20260131235959.123456+000", in UTC.
 std::string dateTimeText(std::int64_t microseconds);

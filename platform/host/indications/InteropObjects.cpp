@@ -1,8 +1,7 @@
 #include "indications/InteropObjects.h"
 
-#include "indications/IndicationText.h"
-
 #include "hostschema/SchemaName.h"
+#include "indications/IndicationText.h"
 
 #include <algorithm>
 
@@ -10,11 +9,11 @@ namespace KDV::Host {
 
 namespace {
 
-// Sets properties one by one, in the order of the calls, leaving out what the client did not ask for. Keys always count.
+// Sets properties one by one, in the order of the calls, leaving out what the client did not ask for. Keys always
+// count.
 class Row {
 public:
-    Row(const InteropContext& at, const PathObject& path)
-        : _at(at), _instance(at.scope.instance(path))
+    Row(const InteropContext& at, const PathObject& path) : _at(at), _instance(at.scope.instance(path))
     {
         for (const KeyBinding& key : path)
             set(std::string(key.name).c_str(), &key.data.value, key.data.type);
@@ -23,18 +22,15 @@ public:
 
     void text(const char* name, const std::string& value)
     {
-        if (wants(name))
-            set(name, reinterpret_cast<const CMPIValue*>(value.c_str()), CMPI_chars);
+        if (wants(name)) set(name, reinterpret_cast<const CMPIValue*>(value.c_str()), CMPI_chars);
     }
     void textIfAny(const char* name, const std::string& value)
     {
-        if (!value.empty())
-            text(name, value);
+        if (!value.empty()) text(name, value);
     }
     void texts(const char* name, const std::vector<std::string>& values)
     {
-        if (!wants(name) || values.empty())
-            return;
+        if (!wants(name) || values.empty()) return;
         ArrayObject& array = _at.scope.array(static_cast<CMPICount>(values.size()), CMPI_string);
         for (std::size_t i = 0; i < values.size(); ++i) {
             CMPIValue value{};
@@ -49,44 +45,36 @@ public:
     {
         CMPIValue value{};
         value.uint16 = static_cast<CMPIUint16>(number);
-        if (wants(name))
-            set(name, &value, CMPI_uint16);
+        if (wants(name)) set(name, &value, CMPI_uint16);
     }
     void uint64(const char* name, std::uint64_t number)
     {
         CMPIValue value{};
         value.uint64 = number;
-        if (wants(name))
-            set(name, &value, CMPI_uint64);
+        if (wants(name)) set(name, &value, CMPI_uint64);
     }
     void boolean(const char* name, bool yes)
     {
         CMPIValue value{};
         value.boolean = yes ? 1 : 0;
-        if (wants(name))
-            set(name, &value, CMPI_boolean);
+        if (wants(name)) set(name, &value, CMPI_boolean);
     }
     void time(const char* name, std::int64_t microseconds)
     {
-        if (!wants(name))
-            return;
+        if (!wants(name)) return;
         const CMPIBroker* broker = _at.scope.broker().cmpi();
         CMPIStatus status{CMPI_RC_OK, nullptr};
         CMPIValue value{};
-        value.dateTime =
-            broker->eft->newDateTimeFromChars(broker, dateTimeText(microseconds).c_str(), &status);
-        if (value.dateTime)
-            set(name, &value, CMPI_dateTime);
+        value.dateTime = broker->eft->newDateTimeFromChars(broker, dateTimeText(microseconds).c_str(), &status);
+        if (value.dateTime) set(name, &value, CMPI_dateTime);
     }
 
 private:
     bool wants(const char* name) const
     {
-        if (!_at.properties)
-            return true;
+        if (!_at.properties) return true;
         for (const char** one = _at.properties; *one; ++one)
-            if (sameName(*one, name))
-                return true;
+            if (sameName(*one, name)) return true;
         return false;
     }
     // A schema that lacks a property of ours goes without it.
@@ -147,8 +135,7 @@ InstanceObject& filterInstance(const InteropContext& at, const FilterRecord& fil
     Row row(at, elementPath(at, filter.key));
     row.textIfAny("ElementName", filter.elementName);
     row.textIfAny("Description", filter.description);
-    if (filter.sourceNamespace)
-        row.text("SourceNamespace", *filter.sourceNamespace);
+    if (filter.sourceNamespace) row.text("SourceNamespace", *filter.sourceNamespace);
     row.texts("SourceNamespaces", filter.sourceNamespaces);
     row.boolean("IndividualSubscriptionSupported", true);
     row.text("Query", filter.query);
@@ -181,9 +168,8 @@ InstanceObject& subscriptionInstance(const InteropContext& at, const Subscriptio
     const SubscriptionRecord& record = subscription.record;
     Row row(at, subscriptionPath(at, record.key));
     row.uint16("OnFatalErrorPolicy", static_cast<unsigned>(record.policy));
-    if (record.failureTriggerSeconds)
-        row.uint64("FailureTriggerTimeInterval", *record.failureTriggerSeconds);
-    const auto state = !record.enabled        ? SubscriptionStateValue::Disabled
+    if (record.failureTriggerSeconds) row.uint64("FailureTriggerTimeInterval", *record.failureTriggerSeconds);
+    const auto state = !record.enabled         ? SubscriptionStateValue::Disabled
                        : subscription.degraded ? SubscriptionStateValue::EnabledDegraded
                                                : SubscriptionStateValue::Enabled;
     row.uint16("SubscriptionState", static_cast<unsigned>(state));

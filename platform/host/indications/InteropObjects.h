@@ -38,8 +38,8 @@ FilterRecord newFilter(const InstanceObject& instance, const IndicationService& 
 DestinationRecord newDestination(const InstanceObject& instance, const IndicationService& service);
 SubscriptionRecord newSubscription(const InstanceObject& instance);
 
-// What ModifyInstance makes of a subscription. `properties`: those that count; null: all that are given. A property that
-// cannot be changed may be given with the value that it has.
+// What ModifyInstance makes of a subscription. `properties`: those that count; null: all that are given. A property
+// that cannot be changed may be given with the value that it has.
 SubscriptionRecord changedSubscription(const SubscriptionRecord& record, const InstanceObject& current,
                                        const InstanceObject& given, const char** properties);
 // For instances of which nothing can be changed.

@@ -3,7 +3,6 @@
 #include <cstdint>
 #include <cstring>
 #include <string_view>
-
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <unistd.h>
@@ -12,13 +11,11 @@ namespace KDV::Host {
 
 JournalSocket::JournalSocket(std::string path)
     : _path(std::move(path)), _socket(::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0))
-{
-}
+{}
 
 JournalSocket::~JournalSocket()
 {
-    if (_socket >= 0)
-        ::close(_socket);
+    if (_socket >= 0) ::close(_socket);
 }
 
 // "NAME=value\n", or for values with line feeds: the name, a line feed, the length in 64 little-endian bits, the value.
@@ -45,8 +42,7 @@ bool JournalSocket::send(const JournalFields& fields) const noexcept
 try {
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
-    if (_socket < 0 || _path.size() >= sizeof address.sun_path)
-        return false;
+    if (_socket < 0 || _path.size() >= sizeof address.sun_path) return false;
     std::memcpy(address.sun_path, _path.c_str(), _path.size());
     const std::string bytes = datagram(fields);
     return ::sendto(_socket, bytes.data(), bytes.size(), MSG_NOSIGNAL | MSG_DONTWAIT,

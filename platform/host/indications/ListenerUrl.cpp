@@ -10,7 +10,8 @@ namespace {
 
 bool isHostCharacter(char c) noexcept
 {
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '.' || c == '-' || c == '_';
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '.' || c == '-' ||
+           c == '_';
 }
 
 bool isAddressCharacter(char c) noexcept
@@ -37,28 +38,23 @@ bool readAuthority(std::string_view text, ListenerUrl& url)
     std::string_view port;
     if (!text.empty() && text.front() == '[') {
         const std::size_t close = text.find(']');
-        if (close == std::string_view::npos)
-            return false;
+        if (close == std::string_view::npos) return false;
         url.host = text.substr(1, close - 1);
-        if (!std::all_of(url.host.begin(), url.host.end(), isAddressCharacter) || url.host.find(':') == std::string::npos)
+        if (!std::all_of(url.host.begin(), url.host.end(), isAddressCharacter) ||
+            url.host.find(':') == std::string::npos)
             return false;
         port = text.substr(close + 1);
     } else {
         const std::size_t colon = std::min(text.find(':'), text.size());
         url.host = text.substr(0, colon);
-        if (!std::all_of(url.host.begin(), url.host.end(), isHostCharacter))
-            return false;
+        if (!std::all_of(url.host.begin(), url.host.end(), isHostCharacter)) return false;
         port = text.substr(colon);
     }
-    if (url.host.empty())
-        return false;
-    if (port.empty())
-        return true;
-    if (port.front() != ':' || port.size() < 2 || port.size() > 6)
-        return false;
+    if (url.host.empty()) return false;
+    if (port.empty()) return true;
+    if (port.front() != ':' || port.size() < 2 || port.size() > 6) return false;
     for (char c : port.substr(1)) {
-        if (c < '0' || c > '9')
-            return false;
+        if (c < '0' || c > '9') return false;
         url.port = url.port * 10 + static_cast<unsigned>(c - '0');
     }
     return url.port >= 1 && url.port <= 65535;
@@ -95,8 +91,7 @@ bool ListenerUrl::parse(std::string_view text, ListenerUrl& url, std::string& re
         return false;
     }
     url.path = text.substr(end);
-    if (url.path.empty() || url.path.front() != '/')
-        url.path.insert(0, 1, '/');
+    if (url.path.empty() || url.path.front() != '/') url.path.insert(0, 1, '/');
     return true;
 }
 

@@ -11,7 +11,7 @@ struct ListenerUrl {
     static constexpr std::size_t maxLength = 2048;
 
     bool secure = false;
-    std::string host; // IPv6 addresses without brackets
+    std::string host;  // IPv6 addresses without brackets
     unsigned port = 0; // 0: the default of the protocol
     std::string path;  // from the first slash; "/" if there is none
 

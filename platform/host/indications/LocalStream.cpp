@@ -3,14 +3,13 @@
 #include <cerrno>
 #include <cstdint>
 #include <cstring>
-#include <system_error>
-#include <utility>
-
 #include <sys/eventfd.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/un.h>
+#include <system_error>
 #include <unistd.h>
+#include <utility>
 
 namespace KDV::Host {
 
@@ -38,8 +37,7 @@ sockaddr_un addressOf(const std::string& path)
 bool isServed(const sockaddr_un& address)
 {
     const int probe = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
-    if (probe < 0)
-        fail("socket");
+    if (probe < 0) fail("socket");
     const int result = ::connect(probe, reinterpret_cast<const sockaddr*>(&address), sizeof address);
     const bool served = result == 0 || (errno != ECONNREFUSED && errno != ENOENT);
     ::close(probe);
@@ -54,15 +52,13 @@ LocalStream::LocalStream(StreamOptions options, Watch watch, Logger log)
     : _options(std::move(options)), _watch(std::move(watch)), _log(log)
 {
     _wake = ::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
-    if (_wake < 0)
-        fail("eventfd");
+    if (_wake < 0) fail("eventfd");
     try {
         listen();
         _thread = std::thread([this] { run(); });
     } catch (...) {
         ::close(_wake);
-        if (_listener >= 0)
-            ::close(_listener);
+        if (_listener >= 0) ::close(_listener);
         throw;
     }
 }
@@ -80,7 +76,7 @@ LocalStream::~LocalStream()
 void LocalStream::listen()
 {
     const sockaddr_un address = addressOf(_options.path);
-    struct stat found{};
+    struct stat found {};
     if (::lstat(_options.path.c_str(), &found) == 0) {
         if (!S_ISSOCK(found.st_mode) || isServed(address)) {
             errno = EADDRINUSE;
@@ -89,8 +85,7 @@ void LocalStream::listen()
         ::unlink(_options.path.c_str());
     }
     _listener = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
-    if (_listener < 0)
-        fail("socket");
+    if (_listener < 0) fail("socket");
     // The mode of the descriptor is that of the socket's file, less the umask: at no moment is it wider than wanted.
     if (::fchmod(_listener, _options.mode) != 0 ||
         ::bind(_listener, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0 ||
@@ -110,8 +105,7 @@ void LocalStream::publish(std::string_view line)
     {
         const std::lock_guard<std::mutex> lock(_mutex);
         for (Follower& follower : _followers) {
-            if (follower.gone)
-                continue;
+            if (follower.gone) continue;
             if (follower.pending.size() + line.size() + 1 > _options.bufferedBytes) {
                 follower.gone = true;
                 _dropped.fetch_add(1);
@@ -139,20 +133,18 @@ void LocalStream::run()
             const std::lock_guard<std::mutex> lock(_mutex);
             for (Follower& follower : _followers) {
                 order.push_back(&follower);
-                waits.push_back({follower.socket, static_cast<short>(follower.pending.empty() ? POLLIN : POLLIN | POLLOUT), 0});
+                waits.push_back(
+                    {follower.socket, static_cast<short>(follower.pending.empty() ? POLLIN : POLLIN | POLLOUT), 0});
             }
         }
-        if (::poll(waits.data(), waits.size(), -1) < 0 && errno != EINTR)
-            break;
+        if (::poll(waits.data(), waits.size(), -1) < 0 && errno != EINTR) break;
         std::uint64_t count = 0;
         [[maybe_unused]] const ssize_t taken = ::read(_wake, &count, sizeof count);
         for (std::size_t i = 0; i < order.size(); ++i)
             serve(*order[i], waits[i + 2].revents);
-        if ((waits[0].revents & POLLIN) != 0)
-            accept();
+        if ((waits[0].revents & POLLIN) != 0) accept();
         const bool any = removeGone();
-        if (any != std::exchange(followed, any) && _watch)
-            _watch(any);
+        if (any != std::exchange(followed, any) && _watch) _watch(any);
     }
     const std::lock_guard<std::mutex> lock(_mutex);
     for (Follower& follower : _followers)
@@ -163,8 +155,7 @@ void LocalStream::run()
 void LocalStream::accept()
 {
     const int number = ::accept4(_listener, nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK);
-    if (number < 0)
-        return;
+    if (number < 0) return;
     const std::lock_guard<std::mutex> lock(_mutex);
     if (_followers.size() >= _options.followers)
         ::close(number);
@@ -178,11 +169,9 @@ void LocalStream::serve(Follower& follower, short events)
     if ((events & (POLLIN | POLLHUP | POLLERR)) != 0) {
         char ignored[512];
         const ssize_t count = ::recv(follower.socket, ignored, sizeof ignored, MSG_DONTWAIT);
-        if (count == 0 || (count < 0 && errno != EAGAIN && errno != EINTR))
-            follower.gone = true;
+        if (count == 0 || (count < 0 && errno != EAGAIN && errno != EINTR)) follower.gone = true;
     }
-    if (!follower.gone)
-        flush(follower);
+    if (!follower.gone) flush(follower);
 }
 
 void LocalStream::flush(Follower& follower)

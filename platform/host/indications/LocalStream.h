@@ -1,6 +1,7 @@
-// A Unix-domain socket on which everybody on this machine who may open it follows the indications, a line each. publish()
-// never waits: every follower has a bounded buffer, and one that does not read is dropped when its buffer is full. What
-// followers send is ignored. One thread serves all of them; publish() and followers() may be called from any.
+// A Unix-domain socket on which everybody on this machine who may open it follows the indications, a line each.
+// publish() never waits: every follower has a bounded buffer, and one that does not read is dropped when its buffer is
+// full. What followers send is ignored. One thread serves all of them; publish() and followers() may be called from
+// any.
 #pragma once
 
 #include "logger/Logger.h"
@@ -11,20 +12,18 @@
 #include <list>
 #include <memory>
 #include <mutex>
+#include <poll.h>
 #include <string>
 #include <string_view>
-#include <thread>
-
-#include <poll.h>
 #include <sys/types.h>
-
+#include <thread>
 #include <vector>
 
 namespace KDV::Host {
 
 struct StreamOptions {
-    std::string path;    // of the socket
-    mode_t mode = 0660;  // who may connect
+    std::string path;   // of the socket
+    mode_t mode = 0660; // who may connect
     unsigned followers = 16;
     std::size_t bufferedBytes = 256u << 10; // for each follower
 };

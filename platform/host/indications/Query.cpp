@@ -1,9 +1,8 @@
 #include "indications/Query.h"
 
+#include "hostschema/SchemaName.h"
 #include "indications/QueryError.h"
 #include "indications/QueryParser.h"
-
-#include "hostschema/SchemaName.h"
 
 namespace KDV::Host {
 
@@ -17,12 +16,11 @@ bool Query::knowsLanguage(std::string_view language) noexcept
 Query Query::compile(std::string_view text, std::string_view language)
 {
     if (!knowsLanguage(language))
-        throw QueryError(CMPI_RC_ERR_QUERY_LANGUAGE_NOT_SUPPORTED,
-                         "the query languages are WQL and DMTF:CQL, not \"" + std::string(language.substr(0, 64)) + '"');
+        throw QueryError(CMPI_RC_ERR_QUERY_LANGUAGE_NOT_SUPPORTED, "the query languages are WQL and DMTF:CQL, not \"" +
+                                                                       std::string(language.substr(0, 64)) + '"');
     if (text.size() > maxLength)
-        throw QueryError(CMPI_RC_ERR_INVALID_QUERY,
-                         "a query has at most " + std::to_string(maxLength) + " bytes, this one has " +
-                             std::to_string(text.size()));
+        throw QueryError(CMPI_RC_ERR_INVALID_QUERY, "a query has at most " + std::to_string(maxLength) +
+                                                        " bytes, this one has " + std::to_string(text.size()));
     return QueryParser(text, !sameName(language, "WQL")).parse();
 }
 
@@ -32,11 +30,9 @@ Truth truth(const QueryCondition& condition, const QuerySource& source);
 
 QueryValue valueOf(const QueryOperand& operand, const QuerySource& source)
 {
-    if (operand.isPath)
-        return source.value(operand.path);
+    if (operand.isPath) return source.value(operand.path);
     QueryValue value = operand.value;
-    if (value.kind == ValueClass::Text)
-        value.text = operand.text;
+    if (value.kind == ValueClass::Text) value.text = operand.text;
     return value;
 }
 
@@ -46,10 +42,8 @@ Truth truthOfAll(const QueryCondition& condition, const QuerySource& source, Tru
     Truth result = negated(decisive);
     for (const QueryCondition& part : condition.parts) {
         const Truth one = truth(part, source);
-        if (one == decisive)
-            return one;
-        if (one == Truth::Unknown)
-            result = one;
+        if (one == decisive) return one;
+        if (one == Truth::Unknown) result = one;
     }
     return result;
 }
@@ -57,12 +51,16 @@ Truth truthOfAll(const QueryCondition& condition, const QuerySource& source, Tru
 Truth truth(const QueryCondition& condition, const QuerySource& source)
 {
     switch (condition.kind) {
-    case QueryCondition::Kind::And: return truthOfAll(condition, source, Truth::False);
-    case QueryCondition::Kind::Or: return truthOfAll(condition, source, Truth::True);
-    case QueryCondition::Kind::Not: return negated(truth(condition.parts.front(), source));
+    case QueryCondition::Kind::And:
+        return truthOfAll(condition, source, Truth::False);
+    case QueryCondition::Kind::Or:
+        return truthOfAll(condition, source, Truth::True);
+    case QueryCondition::Kind::Not:
+        return negated(truth(condition.parts.front(), source));
     case QueryCondition::Kind::Compare:
         return compare(valueOf(condition.left, source), condition.comparison, valueOf(condition.right, source));
-    case QueryCondition::Kind::IsNull: return truthOf(valueOf(condition.left, source).kind == ValueClass::Null);
+    case QueryCondition::Kind::IsNull:
+        return truthOf(valueOf(condition.left, source).kind == ValueClass::Null);
     case QueryCondition::Kind::IsA:
         return condition.left.path.empty() ? truthOf(source.isA(condition.className))
                                            : source.isA(condition.left.path, condition.className);
@@ -90,8 +88,7 @@ void addNames(std::vector<std::string>& names, const QueryCondition& condition)
 std::vector<std::string> Query::propertiesNamed() const
 {
     std::vector<std::string> names = _selected;
-    if (_hasCondition)
-        addNames(names, _condition);
+    if (_hasCondition) addNames(names, _condition);
     return names;
 }
 

@@ -1,8 +1,7 @@
 #include "indications/QueryCompiler.h"
 
-#include "indications/QueryError.h"
-
 #include "hostschema/SchemaName.h"
+#include "indications/QueryError.h"
 
 #include <utility>
 
@@ -13,47 +12,58 @@ namespace {
 bool instanceIsA(const InstanceObject& instance, std::string_view className)
 {
     for (const ClassInfo* one = instance.classInfo; one; one = one->superclass())
-        if (sameName(one->name(), className))
-            return true;
+        if (sameName(one->name(), className)) return true;
     return !instance.classInfo && sameName(instance.path->className, className);
 }
 
 QueryValue valueOf(CMPIType type, const CMPIValue& value)
 {
     switch (type) {
-    case CMPI_boolean: return QueryValue::ofBoolean(value.boolean != 0);
-    case CMPI_char16: return QueryValue::ofUnsigned(value.char16);
-    case CMPI_uint8: return QueryValue::ofUnsigned(value.uint8);
-    case CMPI_uint16: return QueryValue::ofUnsigned(value.uint16);
-    case CMPI_uint32: return QueryValue::ofUnsigned(value.uint32);
-    case CMPI_uint64: return QueryValue::ofUnsigned(value.uint64);
-    case CMPI_sint8: return QueryValue::ofSigned(value.sint8);
-    case CMPI_sint16: return QueryValue::ofSigned(value.sint16);
-    case CMPI_sint32: return QueryValue::ofSigned(value.sint32);
-    case CMPI_sint64: return QueryValue::ofSigned(value.sint64);
-    case CMPI_real32: return QueryValue::ofReal(static_cast<double>(value.real32));
-    case CMPI_real64: return QueryValue::ofReal(value.real64);
-    case CMPI_chars: return value.chars ? QueryValue::ofText(value.chars) : QueryValue();
+    case CMPI_boolean:
+        return QueryValue::ofBoolean(value.boolean != 0);
+    case CMPI_char16:
+        return QueryValue::ofUnsigned(value.char16);
+    case CMPI_uint8:
+        return QueryValue::ofUnsigned(value.uint8);
+    case CMPI_uint16:
+        return QueryValue::ofUnsigned(value.uint16);
+    case CMPI_uint32:
+        return QueryValue::ofUnsigned(value.uint32);
+    case CMPI_uint64:
+        return QueryValue::ofUnsigned(value.uint64);
+    case CMPI_sint8:
+        return QueryValue::ofSigned(value.sint8);
+    case CMPI_sint16:
+        return QueryValue::ofSigned(value.sint16);
+    case CMPI_sint32:
+        return QueryValue::ofSigned(value.sint32);
+    case CMPI_sint64:
+        return QueryValue::ofSigned(value.sint64);
+    case CMPI_real32:
+        return QueryValue::ofReal(static_cast<double>(value.real32));
+    case CMPI_real64:
+        return QueryValue::ofReal(value.real64);
+    case CMPI_chars:
+        return value.chars ? QueryValue::ofText(value.chars) : QueryValue();
     case CMPI_string:
-        return value.string && !StringObject::of(value.string).isNull ? QueryValue::ofText(textOf(value)) : QueryValue();
-    case CMPI_dateTime: return value.dateTime ? QueryValue::ofDateTime(dateTextOf(value)) : QueryValue();
-    default: return QueryValue::other();
+        return value.string && !StringObject::of(value.string).isNull ? QueryValue::ofText(textOf(value))
+                                                                      : QueryValue();
+    case CMPI_dateTime:
+        return value.dateTime ? QueryValue::ofDateTime(dateTextOf(value)) : QueryValue();
+    default:
+        return QueryValue::other();
     }
 }
 
 // One step: the property of the segment, or its array element.
 bool take(CMPIData data, const PathSegment& segment, CMPIData& found)
 {
-    if (isNull(data) || (data.state & (CMPI_notFound | CMPI_badValue)) != 0)
-        return false;
+    if (isNull(data) || (data.state & (CMPI_notFound | CMPI_badValue)) != 0) return false;
     found = data;
-    if (segment.index < 0)
-        return true;
-    if ((data.type & CMPI_ARRAY) == 0 || !data.value.array)
-        return false;
+    if (segment.index < 0) return true;
+    if ((data.type & CMPI_ARRAY) == 0 || !data.value.array) return false;
     const ArrayObject& array = ArrayObject::of(data.value.array);
-    if (static_cast<CMPICount>(segment.index) >= array.size)
-        return false;
+    if (static_cast<CMPICount>(segment.index) >= array.size) return false;
     found = array.elements[segment.index];
     found.type = array.elementType;
     return !isNull(found);
@@ -64,15 +74,11 @@ bool find(const InstanceObject& start, const PropertyPath& path, CMPIData& found
     const InstanceObject* instance = &start;
     for (std::size_t i = 0; i < path.size(); ++i) {
         const PathSegment& segment = path[i];
-        if (!segment.scope.empty() && !instanceIsA(*instance, segment.scope))
-            return false;
+        if (!segment.scope.empty() && !instanceIsA(*instance, segment.scope)) return false;
         const PropertyEntry* entry = instance->find(segment.name);
-        if (!entry || !take(entry->data(), segment, found))
-            return false;
-        if (i + 1 == path.size())
-            return true;
-        if (found.type != CMPI_instance || !found.value.inst)
-            return false;
+        if (!entry || !take(entry->data(), segment, found)) return false;
+        if (i + 1 == path.size()) return true;
+        if (found.type != CMPI_instance || !found.value.inst) return false;
         instance = &InstanceObject::of(found.value.inst);
     }
     return false;
@@ -87,8 +93,7 @@ public:
     QueryValue value(const PropertyPath& path) const override
     {
         CMPIData found{};
-        if (path.size() != 1 || !take(_accessor(path.front().name.c_str(), _parameter), path.front(), found))
-            return {};
+        if (path.size() != 1 || !take(_accessor(path.front().name.c_str(), _parameter), path.front(), found)) return {};
         return valueOf(found.type, found.value);
     }
     Truth isA(const PropertyPath&, std::string_view) const override { return Truth::Unknown; }
@@ -124,8 +129,7 @@ QueryValue InstanceSource::value(const PropertyPath& path) const
 Truth InstanceSource::isA(const PropertyPath& path, std::string_view className) const
 {
     CMPIData found{};
-    if (!find(_instance, path, found) || found.type != CMPI_instance || !found.value.inst)
-        return Truth::Unknown;
+    if (!find(_instance, path, found) || found.type != CMPI_instance || !found.value.inst) return Truth::Unknown;
     return truthOf(instanceIsA(InstanceObject::of(found.value.inst), className));
 }
 

@@ -19,10 +19,7 @@ bool startsWord(char c) noexcept
 }
 bool isBlank(char c) noexcept { return c == ' ' || c == '\t' || c == '\n' || c == '\r' || c == '\f' || c == '\v'; }
 
-unsigned hexValue(char c) noexcept
-{
-    return static_cast<unsigned>(isDigit(c) ? c - '0' : (c | 0x20) - 'a' + 10);
-}
+unsigned hexValue(char c) noexcept { return static_cast<unsigned>(isDigit(c) ? c - '0' : (c | 0x20) - 'a' + 10); }
 
 void appendUtf8(std::string& to, unsigned code)
 {
@@ -61,15 +58,11 @@ QueryToken QueryLexer::next()
     _start = _at;
     QueryToken token;
     token.column = _start + 1;
-    if (_at == _query.size())
-        return token;
+    if (_at == _query.size()) return token;
     const char c = peek();
-    if (startsWord(c))
-        return word();
-    if (c == '\'' || c == '"')
-        return text(c);
-    if (isDigit(c) || (c == '.' && isDigit(peek(1))))
-        return number();
+    if (startsWord(c)) return word();
+    if (c == '\'' || c == '"') return text(c);
+    if (isDigit(c) || (c == '.' && isDigit(peek(1)))) return number();
     token.kind = TokenKind::Sign;
     const std::string_view two = _query.substr(_at, 2);
     if (two == "<>" || two == "<=" || two == ">=" || two == "!=" || two == "::")
@@ -99,11 +92,9 @@ QueryToken QueryLexer::text(char quote)
     token.kind = TokenKind::Text;
     token.column = _start + 1;
     for (++_at;;) {
-        if (_at >= _query.size())
-            refuse("the text has no closing quote");
+        if (_at >= _query.size()) refuse("the text has no closing quote");
         const char c = _query[_at++];
-        if (c == '\0')
-            refuse("a text must not hold a NUL");
+        if (c == '\0') refuse("a text must not hold a NUL");
         if (c == '\\') {
             escape(token.text);
         } else if (c != quote) {
@@ -124,23 +115,35 @@ void QueryLexer::escape(std::string& to)
     switch (c) {
     case '\'':
     case '"':
-    case '\\': to += c; return;
-    case 'n': to += '\n'; return;
-    case 'r': to += '\r'; return;
-    case 't': to += '\t'; return;
-    case 'b': to += '\b'; return;
-    case 'f': to += '\f'; return;
-    case 'u': break;
-    default: refuse("unknown escape in a text");
+    case '\\':
+        to += c;
+        return;
+    case 'n':
+        to += '\n';
+        return;
+    case 'r':
+        to += '\r';
+        return;
+    case 't':
+        to += '\t';
+        return;
+    case 'b':
+        to += '\b';
+        return;
+    case 'f':
+        to += '\f';
+        return;
+    case 'u':
+        break;
+    default:
+        refuse("unknown escape in a text");
     }
     unsigned code = 0;
     for (int i = 0; i < 4; ++i, ++_at) {
-        if (!isHexDigit(peek()))
-            refuse("\\u needs four hexadecimal digits");
+        if (!isHexDigit(peek())) refuse("\\u needs four hexadecimal digits");
         code = code * 16 + hexValue(peek());
     }
-    if (code == 0 || (code >= 0xd800 && code < 0xe000))
-        refuse("\\u names no character");
+    if (code == 0 || (code >= 0xd800 && code < 0xe000)) refuse("\\u names no character");
     appendUtf8(to, code);
 }
 
@@ -149,14 +152,11 @@ QueryToken QueryLexer::radix(std::string_view digits, unsigned base)
     QueryToken token;
     token.kind = TokenKind::Integer;
     token.column = _start + 1;
-    if (digits.empty())
-        refuse("a number needs digits");
+    if (digits.empty()) refuse("a number needs digits");
     for (char c : digits) {
         const unsigned digit = hexValue(c);
-        if (digit >= base)
-            refuse("a digit that the number cannot have");
-        if (token.magnitude > (UINT64_MAX - digit) / base)
-            refuse("the number is too large");
+        if (digit >= base) refuse("a digit that the number cannot have");
+        if (token.magnitude > (UINT64_MAX - digit) / base) refuse("the number is too large");
         token.magnitude = token.magnitude * base + digit;
     }
     return token;
@@ -200,8 +200,7 @@ QueryToken QueryLexer::number()
             token = radix(digits, 10);
         }
     }
-    if (startsWord(peek()) || isDigit(peek()))
-        refuse("a number must end before a letter");
+    if (startsWord(peek()) || isDigit(peek())) refuse("a number must end before a letter");
     return token;
 }
 

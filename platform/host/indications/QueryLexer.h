@@ -1,5 +1,5 @@
-// Splits the text of a query into words, literals and signs, for both languages: strings in single or double quotes with
-// backslash escapes or a doubled quote, integers (decimal, 0x..., ...B), reals. Belongs to one parse; errors are
+// Splits the text of a query into words, literals and signs, for both languages: strings in single or double quotes
+// with backslash escapes or a doubled quote, integers (decimal, 0x..., ...B), reals. Belongs to one parse; errors are
 // QueryError with the column.
 #pragma once
 

@@ -1,8 +1,7 @@
 #include "indications/QueryParser.h"
 
-#include "indications/QueryError.h"
-
 #include "hostschema/SchemaName.h"
+#include "indications/QueryError.h"
 
 #include <array>
 
@@ -16,8 +15,7 @@ constexpr std::array<std::string_view, 12> reserved{"SELECT", "FROM", "WHERE", "
 bool isReserved(std::string_view word) noexcept
 {
     for (std::string_view name : reserved)
-        if (sameName(name, word))
-            return true;
+        if (sameName(name, word)) return true;
     return false;
 }
 
@@ -27,10 +25,10 @@ QueryParser::QueryParser(std::string_view text, bool cql) : _lexer(text), _cql(c
 
 void QueryParser::refuse(const std::string& expected) const
 {
-    std::string found = _token.kind == TokenKind::End ? "the end" : _token.kind == TokenKind::Text ? "a text"
-                                                                                                   : _token.text;
-    if (found.empty())
-        found = "a number";
+    std::string found = _token.kind == TokenKind::End    ? "the end"
+                        : _token.kind == TokenKind::Text ? "a text"
+                                                         : _token.text;
+    if (found.empty()) found = "a number";
     throw QueryError(CMPI_RC_ERR_INVALID_QUERY, "column " + std::to_string(_token.column) + ": expected " + expected +
                                                     ", found " + found.substr(0, 64));
 }
@@ -48,29 +46,25 @@ bool QueryParser::isSign(std::string_view sign) const noexcept
 bool QueryParser::takeWord(std::string_view word)
 {
     const bool there = isWord(word);
-    if (there)
-        advance();
+    if (there) advance();
     return there;
 }
 
 bool QueryParser::takeSign(std::string_view sign)
 {
     const bool there = isSign(sign);
-    if (there)
-        advance();
+    if (there) advance();
     return there;
 }
 
 void QueryParser::expectWord(const char* word)
 {
-    if (!takeWord(word))
-        refuse(word);
+    if (!takeWord(word)) refuse(word);
 }
 
 void QueryParser::expectSign(const char* sign)
 {
-    if (!takeSign(sign))
-        refuse(sign);
+    if (!takeSign(sign)) refuse(sign);
 }
 
 void QueryParser::countTerm()
@@ -93,28 +87,24 @@ Query QueryParser::parse()
         query._condition = parseOr(0);
         resolve(query._condition);
     }
-    if (_token.kind != TokenKind::End)
-        refuse("WHERE, AND, OR or the end");
+    if (_token.kind != TokenKind::End) refuse("WHERE, AND, OR or the end");
     // The class may stand before the names of selected properties too.
     for (std::string& name : query._selected) {
         const std::size_t point = name.find('.');
-        if (point == std::string::npos)
-            continue;
+        if (point == std::string::npos) continue;
         if (!sameName(std::string_view(name).substr(0, point), _className))
-            throw QueryError(CMPI_RC_ERR_INVALID_QUERY, "only properties of " + _className + " can be selected, not " +
-                                                            name.substr(0, 64));
+            throw QueryError(CMPI_RC_ERR_INVALID_QUERY,
+                             "only properties of " + _className + " can be selected, not " + name.substr(0, 64));
         name.erase(0, point + 1);
     }
-    if (!query._selected.empty() && query._selected.front() == "*")
-        query._selected.clear();
+    if (!query._selected.empty() && query._selected.front() == "*") query._selected.clear();
     return query;
 }
 
 // Leaves "Class.Property" as it is: the class becomes known only after FROM.
 void QueryParser::parseSelected(Query& query)
 {
-    if (takeSign("*"))
-        return;
+    if (takeSign("*")) return;
     do {
         countTerm();
         std::string name = parseName("a property or *");
@@ -132,8 +122,7 @@ void QueryParser::parseSelected(Query& query)
 QueryCondition QueryParser::parseOr(unsigned depth)
 {
     QueryCondition first = parseAnd(depth);
-    if (!isWord("OR"))
-        return first;
+    if (!isWord("OR")) return first;
     QueryCondition any;
     any.kind = QueryCondition::Kind::Or;
     any.parts.push_back(std::move(first));
@@ -145,8 +134,7 @@ QueryCondition QueryParser::parseOr(unsigned depth)
 QueryCondition QueryParser::parseAnd(unsigned depth)
 {
     QueryCondition first = parseNot(depth);
-    if (!isWord("AND"))
-        return first;
+    if (!isWord("AND")) return first;
     QueryCondition all;
     all.kind = QueryCondition::Kind::And;
     all.parts.push_back(std::move(first));
@@ -191,8 +179,8 @@ QueryCondition QueryParser::parsePredicate()
     condition.comparison = parseComparison();
     condition.right = parseOperand();
     if (!condition.left.isPath && !condition.right.isPath)
-        throw QueryError(CMPI_RC_ERR_INVALID_QUERY, "column " + std::to_string(_token.column) +
-                                                        ": one side of a comparison must be a property");
+        throw QueryError(CMPI_RC_ERR_INVALID_QUERY,
+                         "column " + std::to_string(_token.column) + ": one side of a comparison must be a property");
     return condition;
 }
 
@@ -200,11 +188,9 @@ void QueryParser::parseIs(QueryCondition& condition)
 {
     const bool not_ = takeWord("NOT");
     expectWord("NULL");
-    if (!condition.left.isPath)
-        refuse("a property before IS");
+    if (!condition.left.isPath) refuse("a property before IS");
     condition.kind = QueryCondition::Kind::IsNull;
-    if (!not_)
-        return;
+    if (!not_) return;
     QueryCondition inner = std::move(condition);
     condition = QueryCondition();
     condition.kind = QueryCondition::Kind::Not;
@@ -213,8 +199,7 @@ void QueryParser::parseIs(QueryCondition& condition)
 
 void QueryParser::parseIsA(QueryCondition& condition)
 {
-    if (!condition.left.isPath)
-        refuse("a property or the class before ISA");
+    if (!condition.left.isPath) refuse("a property or the class before ISA");
     condition.kind = QueryCondition::Kind::IsA;
     if (_token.kind != TokenKind::Text) {
         condition.className = parseName("the name of a class");
@@ -222,24 +207,17 @@ void QueryParser::parseIsA(QueryCondition& condition)
     }
     condition.className = _token.text;
     advance();
-    if (condition.className.empty())
-        refuse("the name of a class");
+    if (condition.className.empty()) refuse("the name of a class");
 }
 
 Comparison QueryParser::parseComparison()
 {
-    if (takeSign("="))
-        return Comparison::Equal;
-    if (takeSign("<>") || (!_cql && takeSign("!=")))
-        return Comparison::NotEqual;
-    if (takeSign("<="))
-        return Comparison::LessOrEqual;
-    if (takeSign("<"))
-        return Comparison::Less;
-    if (takeSign(">="))
-        return Comparison::GreaterOrEqual;
-    if (takeSign(">"))
-        return Comparison::Greater;
+    if (takeSign("=")) return Comparison::Equal;
+    if (takeSign("<>") || (!_cql && takeSign("!="))) return Comparison::NotEqual;
+    if (takeSign("<=")) return Comparison::LessOrEqual;
+    if (takeSign("<")) return Comparison::Less;
+    if (takeSign(">=")) return Comparison::GreaterOrEqual;
+    if (takeSign(">")) return Comparison::Greater;
     refuse("=, <>, <, <=, >, >=, IS or ISA");
 }
 
@@ -268,8 +246,7 @@ QueryOperand QueryParser::parseOperand()
 QueryOperand QueryParser::parseNumber()
 {
     const bool minus = takeSign("-");
-    if (!minus)
-        takeSign("+");
+    if (!minus) takeSign("+");
     QueryOperand operand;
     if (_token.kind == TokenKind::Real) {
         operand.value = QueryValue::ofReal(minus ? -_token.real : _token.real);
@@ -301,8 +278,7 @@ PathSegment QueryParser::parseSegment()
         segment.scope = std::move(segment.name);
         segment.name = parseName("the name of a property");
     }
-    if (!_cql || !takeSign("["))
-        return segment;
+    if (!_cql || !takeSign("[")) return segment;
     if (_token.kind != TokenKind::Integer || _token.magnitude > 65535)
         refuse("the index of an array element, at most 65535");
     segment.index = static_cast<int>(_token.magnitude);
@@ -313,8 +289,7 @@ PathSegment QueryParser::parseSegment()
 
 std::string QueryParser::parseName(const char* what)
 {
-    if (_token.kind != TokenKind::Word || isReserved(_token.text))
-        refuse(what);
+    if (_token.kind != TokenKind::Word || isReserved(_token.text)) refuse(what);
     std::string name = std::move(_token.text);
     advance();
     return name;
@@ -322,11 +297,9 @@ std::string QueryParser::parseName(const char* what)
 
 void QueryParser::dropPrefix(PropertyPath& path, bool mayBeWhole) const
 {
-    if (path.empty() || (path.size() == 1 && !mayBeWhole))
-        return;
+    if (path.empty() || (path.size() == 1 && !mayBeWhole)) return;
     const PathSegment& first = path.front();
-    if (first.index < 0 && first.scope.empty() && sameName(first.name, _className))
-        path.erase(path.begin());
+    if (first.index < 0 && first.scope.empty() && sameName(first.name, _className)) path.erase(path.begin());
 }
 
 void QueryParser::resolve(QueryCondition& condition) const

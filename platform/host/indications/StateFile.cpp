@@ -2,11 +2,10 @@
 
 #include <cerrno>
 #include <cstdio>
-#include <system_error>
-#include <utility>
-
 #include <fcntl.h>
+#include <system_error>
 #include <unistd.h>
+#include <utility>
 
 namespace KDV::Host {
 
@@ -25,8 +24,7 @@ public:
     Descriptor& operator=(const Descriptor&) = delete;
     ~Descriptor()
     {
-        if (_number >= 0)
-            ::close(_number);
+        if (_number >= 0) ::close(_number);
     }
     int number() const noexcept { return _number; }
 
@@ -49,8 +47,7 @@ void writeAll(int descriptor, std::string_view content, const std::filesystem::p
 void syncDirectory(const std::filesystem::path& directory)
 {
     const Descriptor opened(::open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (opened.number() < 0 || ::fsync(opened.number()) != 0)
-        fail("cannot bring to disk", directory);
+    if (opened.number() < 0 || ::fsync(opened.number()) != 0) fail("cannot bring to disk", directory);
 }
 
 } // namespace
@@ -59,20 +56,16 @@ std::optional<std::string> StateFile::read() const
 {
     const Descriptor opened(::open(_file.c_str(), O_RDONLY | O_CLOEXEC));
     if (opened.number() < 0) {
-        if (errno == ENOENT)
-            return std::nullopt;
+        if (errno == ENOENT) return std::nullopt;
         fail("cannot read", _file);
     }
     std::string content;
     char block[16384];
     for (;;) {
         const ssize_t count = ::read(opened.number(), block, sizeof block);
-        if (count == 0)
-            return content;
-        if (count < 0 && errno == EINTR)
-            continue;
-        if (count < 0)
-            fail("cannot read", _file);
+        if (count == 0) return content;
+        if (count < 0 && errno == EINTR) continue;
+        if (count < 0) fail("cannot read", _file);
         content.append(block, static_cast<std::size_t>(count));
         if (content.size() > maxSize)
             throw std::runtime_error(_file.string() + ": larger than " + std::to_string(maxSize) + " bytes");
@@ -84,16 +77,12 @@ void StateFile::write(std::string_view content) const
     const std::filesystem::path temporary = _file.string() + ".new";
     {
         const Descriptor opened(::open(temporary.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOFOLLOW, 0600));
-        if (opened.number() < 0)
-            fail("cannot write", temporary);
+        if (opened.number() < 0) fail("cannot write", temporary);
         writeAll(opened.number(), content, temporary);
-        if (::fsync(opened.number()) != 0)
-            fail("cannot bring to disk", temporary);
+        if (::fsync(opened.number()) != 0) fail("cannot bring to disk", temporary);
     }
-    if (_beforeRename)
-        _beforeRename();
-    if (::rename(temporary.c_str(), _file.c_str()) != 0)
-        fail("cannot replace", _file);
+    if (_beforeRename) _beforeRename();
+    if (::rename(temporary.c_str(), _file.c_str()) != 0) fail("cannot replace", _file);
     syncDirectory(_file.parent_path());
 }
 
@@ -102,12 +91,10 @@ std::filesystem::path StateFile::putAside() const
     for (unsigned number = 1;; ++number) {
         const std::filesystem::path aside = _file.string() + ".broken-" + std::to_string(number);
         if (::link(_file.c_str(), aside.c_str()) == 0) {
-            if (::unlink(_file.c_str()) != 0)
-                fail("cannot put aside", _file);
+            if (::unlink(_file.c_str()) != 0) fail("cannot put aside", _file);
             return aside;
         }
-        if (errno != EEXIST)
-            fail("cannot put aside", _file);
+        if (errno != EEXIST) fail("cannot put aside", _file);
     }
 }
 

@@ -14,8 +14,8 @@ constexpr int formatVersion = 1;
 
 Json keyJson(const ElementKey& key)
 {
-    return {{"class", key.className}, {"name", key.name}, {"systemName", key.systemName},
-            {"systemClass", key.systemClass}};
+    return {
+        {"class", key.className}, {"name", key.name}, {"systemName", key.systemName}, {"systemClass", key.systemClass}};
 }
 
 Json filterJson(const FilterRecord& filter)
@@ -23,30 +23,34 @@ Json filterJson(const FilterRecord& filter)
     Json json{{"key", keyJson(filter.key)}, {"query", filter.query}, {"queryLanguage", filter.queryLanguage}};
     json["elementName"] = filter.elementName;
     json["description"] = filter.description;
-    if (filter.sourceNamespace)
-        json["sourceNamespace"] = *filter.sourceNamespace;
+    if (filter.sourceNamespace) json["sourceNamespace"] = *filter.sourceNamespace;
     json["sourceNamespaces"] = filter.sourceNamespaces;
     return json;
 }
 
 Json destinationJson(const DestinationRecord& destination)
 {
-    return {{"key", keyJson(destination.key)},        {"destination", destination.url},
-            {"elementName", destination.elementName}, {"description", destination.description},
-            {"owner", destination.owner},             {"persistence", static_cast<unsigned>(destination.persistence)}};
+    return {{"key", keyJson(destination.key)},
+            {"destination", destination.url},
+            {"elementName", destination.elementName},
+            {"description", destination.description},
+            {"owner", destination.owner},
+            {"persistence", static_cast<unsigned>(destination.persistence)}};
 }
 
 Json subscriptionJson(const SubscriptionRecord& subscription)
 {
-    Json json{{"class", subscription.className},         {"filter", keyJson(subscription.key.filter)},
-              {"handler", keyJson(subscription.key.handler)}, {"enabled", subscription.enabled},
-              {"policy", static_cast<unsigned>(subscription.policy)}, {"creator", subscription.creator},
-              {"info", subscription.info},               {"stateChanged", subscription.stateChanged},
+    Json json{{"class", subscription.className},
+              {"filter", keyJson(subscription.key.filter)},
+              {"handler", keyJson(subscription.key.handler)},
+              {"enabled", subscription.enabled},
+              {"policy", static_cast<unsigned>(subscription.policy)},
+              {"creator", subscription.creator},
+              {"info", subscription.info},
+              {"stateChanged", subscription.stateChanged},
               {"started", subscription.started}};
-    if (subscription.failureTriggerSeconds)
-        json["failureTriggerSeconds"] = *subscription.failureTriggerSeconds;
-    if (subscription.durationSeconds)
-        json["durationSeconds"] = *subscription.durationSeconds;
+    if (subscription.failureTriggerSeconds) json["failureTriggerSeconds"] = *subscription.failureTriggerSeconds;
+    if (subscription.durationSeconds) json["durationSeconds"] = *subscription.durationSeconds;
     return json;
 }
 
@@ -62,26 +66,22 @@ public:
     bool has(const char* name) const { return object().contains(name); }
     Node at(const char* name) const
     {
-        if (!has(name))
-            Node(_json, _place + '/' + name).refuse("is missing");
+        if (!has(name)) Node(_json, _place + '/' + name).refuse("is missing");
         return {_json.at(name), _place + '/' + name};
     }
     std::string text() const
     {
-        if (!_json.is_string())
-            refuse("must be a text");
+        if (!_json.is_string()) refuse("must be a text");
         return _json.get<std::string>();
     }
     bool boolean() const
     {
-        if (!_json.is_boolean())
-            refuse("must be true or false");
+        if (!_json.is_boolean()) refuse("must be true or false");
         return _json.get<bool>();
     }
     std::uint64_t number() const
     {
-        if (!_json.is_number_unsigned())
-            refuse("must be a number without sign");
+        if (!_json.is_number_unsigned()) refuse("must be a number without sign");
         return _json.get<std::uint64_t>();
     }
     std::int64_t time() const
@@ -90,10 +90,10 @@ public:
             refuse("must be a number of microseconds");
         return _json.get<std::int64_t>();
     }
-    template <class Value> std::vector<Value> list(Value (*read)(const Node&)) const
+    template <class Value>
+    std::vector<Value> list(Value (*read)(const Node&)) const
     {
-        if (!_json.is_array())
-            refuse("must be a list");
+        if (!_json.is_array()) refuse("must be a list");
         std::vector<Value> values;
         for (std::size_t i = 0; i < _json.size(); ++i)
             values.push_back(read(Node(_json[i], _place + '/' + std::to_string(i))));
@@ -103,8 +103,7 @@ public:
 private:
     const Json& object() const
     {
-        if (!_json.is_object())
-            refuse("must be an object");
+        if (!_json.is_object()) refuse("must be an object");
         return _json;
     }
     const Json& _json;
@@ -127,17 +126,16 @@ FilterRecord readFilter(const Node& node)
     filter.queryLanguage = node.at("queryLanguage").text();
     filter.elementName = node.at("elementName").text();
     filter.description = node.at("description").text();
-    if (node.has("sourceNamespace"))
-        filter.sourceNamespace = node.at("sourceNamespace").text();
+    if (node.has("sourceNamespace")) filter.sourceNamespace = node.at("sourceNamespace").text();
     filter.sourceNamespaces = node.at("sourceNamespaces").list(readText);
     return filter;
 }
 
-template <class Value> Value readEnum(const Node& node, unsigned first, unsigned last)
+template <class Value>
+Value readEnum(const Node& node, unsigned first, unsigned last)
 {
     const std::uint64_t number = node.number();
-    if (number < first || number > last)
-        node.refuse("is out of range");
+    if (number < first || number > last) node.refuse("is out of range");
     return static_cast<Value>(number);
 }
 
@@ -166,12 +164,12 @@ SubscriptionRecord readSubscription(const Node& node)
     subscription.started = node.at("started").time();
     if (node.has("failureTriggerSeconds"))
         subscription.failureTriggerSeconds = node.at("failureTriggerSeconds").number();
-    if (node.has("durationSeconds"))
-        subscription.durationSeconds = node.at("durationSeconds").number();
+    if (node.has("durationSeconds")) subscription.durationSeconds = node.at("durationSeconds").number();
     return subscription;
 }
 
-template <class Record> void refuseDoubles(const std::vector<Record>& records, const char* place)
+template <class Record>
+void refuseDoubles(const std::vector<Record>& records, const char* place)
 {
     for (std::size_t i = 0; i < records.size(); ++i)
         for (std::size_t k = 0; k < i; ++k)
@@ -201,11 +199,12 @@ Json parse(std::string_view text)
 
 std::string stateText(const SubscriptionState& state)
 {
-    Json json{{"version", formatVersion}, {"filters", Json::array()}, {"destinations", Json::array()},
+    Json json{{"version", formatVersion},
+              {"filters", Json::array()},
+              {"destinations", Json::array()},
               {"subscriptions", Json::array()}};
     for (const FilterRecord& filter : state.filters)
-        if (!filter.isStatic)
-            json["filters"].push_back(filterJson(filter));
+        if (!filter.isStatic) json["filters"].push_back(filterJson(filter));
     for (const DestinationRecord& destination : state.destinations)
         json["destinations"].push_back(destinationJson(destination));
     for (const SubscriptionRecord& subscription : state.subscriptions)

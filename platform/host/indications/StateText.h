@@ -1,5 +1,5 @@
-// The JSON form in which subscriptions are kept. Reading checks every member; what does not fit is StateTextError, whose
-// text names the place ("line 3, column 7" or "/filters/2/query"). Pure functions.
+// The JSON form in which subscriptions are kept. Reading checks every member; what does not fit is StateTextError,
+// whose text names the place ("line 3, column 7" or "/filters/2/query"). Pure functions.
 #pragma once
 
 #include "indications/SubscriptionRecords.h"

@@ -1,8 +1,7 @@
 #include "indications/SubscriptionProvider.h"
 
-#include "indications/Refusal.h"
-
 #include "hostschema/SchemaName.h"
+#include "indications/Refusal.h"
 
 #include <algorithm>
 
@@ -14,8 +13,7 @@ bool isClass(std::string_view className, const char* name) { return sameName(cla
 
 bool isA(const ClassRepository& repository, std::string_view nameSpace, std::string_view className, const char* base)
 {
-    if (!base || !*base)
-        return true;
+    if (!base || !*base) return true;
     const ClassInfo* derived = repository.find(nameSpace, className);
     const ClassInfo* wanted = repository.find(nameSpace, base);
     return derived && wanted && derived->isA(*wanted);
@@ -29,9 +27,10 @@ SubscriptionProvider::~SubscriptionProvider() = default;
 
 const std::vector<const char*>& SubscriptionProvider::classNames()
 {
-    static const std::vector<const char*> names{
-        InteropClass::filter,       InteropClass::destination,            InteropClass::handler, InteropClass::collection,
-        InteropClass::subscription, InteropClass::collectionSubscription, InteropClass::member};
+    static const std::vector<const char*> names{InteropClass::filter,       InteropClass::destination,
+                                                InteropClass::handler,      InteropClass::collection,
+                                                InteropClass::subscription, InteropClass::collectionSubscription,
+                                                InteropClass::member};
     return names;
 }
 
@@ -42,7 +41,8 @@ bool SubscriptionProvider::isAssociation(std::string_view className)
 }
 
 // Every operation in a scope of its own, refusals turned into outcomes.
-template <class Body> Outcome SubscriptionProvider::answer(const PathObject& path, const char** properties, Body body)
+template <class Body>
+Outcome SubscriptionProvider::answer(const PathObject& path, const char** properties, Body body)
 try {
     RequestScope scope(_service.broker(), path.nameSpace);
     body(InteropContext{scope, path.nameSpace, properties});
@@ -68,8 +68,7 @@ void SubscriptionProvider::each(const InteropContext& at, std::string_view class
             visit(filterInstance(at, one));
     } else if (isClass(className, InteropClass::destination) || isClass(className, InteropClass::handler)) {
         for (const DestinationRecord& one : _service.destinations())
-            if (sameName(one.key.className, className))
-                visit(destinationInstance(at, one));
+            if (sameName(one.key.className, className)) visit(destinationInstance(at, one));
     } else if (isClass(className, InteropClass::collection)) {
         for (const FilterCollectionRecord& one : _service.collections())
             visit(collectionInstance(at, one));
@@ -79,8 +78,7 @@ void SubscriptionProvider::each(const InteropContext& at, std::string_view class
                 visit(memberInstance(at, one, filter));
     } else {
         for (const SubscriptionView& one : _service.subscriptions())
-            if (sameName(one.record.className, className))
-                visit(subscriptionInstance(at, one, _service.now()));
+            if (sameName(one.record.className, className)) visit(subscriptionInstance(at, one, _service.now()));
     }
 }
 
@@ -89,12 +87,10 @@ namespace {
 // Paths as keys: without host and namespace, which a client may write or leave out.
 bool sameKeys(const PathObject& one, const PathObject& other)
 {
-    if (!sameName(one.className, other.className) || one.keyCount != other.keyCount)
-        return false;
+    if (!sameName(one.className, other.className) || one.keyCount != other.keyCount) return false;
     return std::all_of(one.begin(), one.end(), [&](const KeyBinding& key) {
         const KeyBinding* match = other.findKey(key.name);
-        if (!match || isNull(match->data) || match->data.type != key.data.type)
-            return false;
+        if (!match || isNull(match->data) || match->data.type != key.data.type) return false;
         if (key.data.type == CMPI_ref)
             return match->data.value.ref &&
                    sameKeys(PathObject::of(key.data.value.ref), PathObject::of(match->data.value.ref));
@@ -108,11 +104,9 @@ InstanceObject& SubscriptionProvider::find(const InteropContext& at, const PathO
 {
     InstanceObject* found = nullptr;
     each(at, path.className, [&](InstanceObject& one) {
-        if (sameKeys(*one.path, path))
-            found = &one;
+        if (sameKeys(*one.path, path)) found = &one;
     });
-    if (!found)
-        throw Refusal(CMPI_RC_ERR_NOT_FOUND, "there is no " + path.text());
+    if (!found) throw Refusal(CMPI_RC_ERR_NOT_FOUND, "there is no " + path.text());
     return *found;
 }
 
@@ -174,8 +168,7 @@ Outcome SubscriptionProvider::modifyInstance(const CMPIContext*, const PathObjec
         }
         const SubscriptionKey key = subscriptionKeyOf(path);
         for (const SubscriptionView& one : _service.subscriptions())
-            if (one.record.key == key)
-                _service.replace(changedSubscription(one.record, current, instance, properties));
+            if (one.record.key == key) _service.replace(changedSubscription(one.record, current, instance, properties));
     });
 }
 
@@ -210,8 +203,7 @@ Outcome SubscriptionProvider::follow(const PathObject& path, const Question& que
         const ClassRepository& repository = _service.broker().repository();
         const InteropContext whole{at.scope, at.nameSpace, ends ? nullptr : properties};
         for (const char* className : classNames()) {
-            if (!isAssociation(className) || !isA(repository, at.nameSpace, className, question.association))
-                continue;
+            if (!isAssociation(className) || !isA(repository, at.nameSpace, className, question.association)) continue;
             each(whole, className, [&](InstanceObject& one) {
                 const KeyBinding& first = one.path->keys[0];
                 const KeyBinding& second = one.path->keys[1];

@@ -47,7 +47,8 @@ private:
     struct Question; // of an association operation
     using Visit = std::function<void(InstanceObject&)>;
 
-    template <class Body> Outcome answer(const PathObject& path, const char** properties, Body body);
+    template <class Body>
+    Outcome answer(const PathObject& path, const char** properties, Body body);
     void each(const InteropContext& at, std::string_view className, const Visit& visit);
     InstanceObject& find(const InteropContext& at, const PathObject& path);
     Outcome follow(const PathObject& path, const Question& question, const char** properties, bool ends,

@@ -11,15 +11,16 @@ namespace KDV::Host {
 
 namespace {
 
-template <class Record, class Key> const Record* find(const std::vector<Record>& records, const Key& key) noexcept
+template <class Record, class Key>
+const Record* find(const std::vector<Record>& records, const Key& key) noexcept
 {
     for (const Record& record : records)
-        if (record.key == key)
-            return &record;
+        if (record.key == key) return &record;
     return nullptr;
 }
 
-template <class Record, class Key> void erase(std::vector<Record>& records, const Key& key)
+template <class Record, class Key>
+void erase(std::vector<Record>& records, const Key& key)
 {
     records.erase(std::remove_if(records.begin(), records.end(), [&](const Record& one) { return one.key == key; }),
                   records.end());
@@ -37,8 +38,7 @@ std::string named(const ElementKey& key) { return key.className + " \"" + key.na
 
 SubscriptionStore::SubscriptionStore(const std::filesystem::path& directory, StoreLimits limits, Logger log)
     : _file(directory / "indications.json"), _limits(limits), _log(log)
-{
-}
+{}
 
 void SubscriptionStore::addStatic(FilterRecord filter)
 {
@@ -49,8 +49,7 @@ void SubscriptionStore::addStatic(FilterRecord filter)
 void SubscriptionStore::load()
 {
     const std::optional<std::string> text = _file.read();
-    if (!text)
-        return;
+    if (!text) return;
     SubscriptionState kept;
     try {
         kept = readStateText(*text);
@@ -73,10 +72,9 @@ void SubscriptionStore::dropDangling(SubscriptionState& state) const
 {
     const auto dangles = [&](const SubscriptionRecord& one) {
         const bool collection = one.key.filter.className == InteropClass::collection;
-        const bool hasFilter =
-            collection ? findCollection(one.key.filter.name) != nullptr : find(state.filters, one.key.filter) != nullptr;
-        if (hasFilter && find(state.destinations, one.key.handler))
-            return false;
+        const bool hasFilter = collection ? findCollection(one.key.filter.name) != nullptr
+                                          : find(state.filters, one.key.filter) != nullptr;
+        if (hasFilter && find(state.destinations, one.key.handler)) return false;
         _log.error("%s: dropped the subscription of %s, whose filter or handler is gone", _file.path().c_str(),
                    one.key.handler.name.c_str());
         return true;
@@ -103,8 +101,7 @@ const SubscriptionRecord* SubscriptionStore::findSubscription(const Subscription
 const FilterCollectionRecord* SubscriptionStore::findCollection(const std::string& instanceId) const noexcept
 {
     for (const FilterCollectionRecord& collection : _collections)
-        if (collection.instanceId == instanceId)
-            return &collection;
+        if (collection.instanceId == instanceId) return &collection;
     return nullptr;
 }
 
@@ -112,17 +109,16 @@ std::vector<const FilterRecord*> SubscriptionStore::filtersOf(const Subscription
 {
     std::vector<const FilterRecord*> filters;
     if (subscription.key.filter.className != InteropClass::collection) {
-        if (const FilterRecord* filter = findFilter(subscription.key.filter))
-            filters.push_back(filter);
+        if (const FilterRecord* filter = findFilter(subscription.key.filter)) filters.push_back(filter);
     } else if (const FilterCollectionRecord* collection = findCollection(subscription.key.filter.name)) {
         for (const ElementKey& key : collection->filters)
-            if (const FilterRecord* filter = findFilter(key))
-                filters.push_back(filter);
+            if (const FilterRecord* filter = findFilter(key)) filters.push_back(filter);
     }
     return filters;
 }
 
-template <class Change> void SubscriptionStore::change(Change&& apply)
+template <class Change>
+void SubscriptionStore::change(Change&& apply)
 {
     SubscriptionState next = _state;
     apply(next);
@@ -137,10 +133,8 @@ template <class Change> void SubscriptionStore::change(Change&& apply)
 
 void SubscriptionStore::add(FilterRecord filter)
 {
-    if (findFilter(filter.key))
-        throw Refusal(CMPI_RC_ERR_ALREADY_EXISTS, named(filter.key) + " exists already");
-    if (_state.filters.size() >= _limits.filters)
-        refuseLimit(_limits.filters, "filters");
+    if (findFilter(filter.key)) throw Refusal(CMPI_RC_ERR_ALREADY_EXISTS, named(filter.key) + " exists already");
+    if (_state.filters.size() >= _limits.filters) refuseLimit(_limits.filters, "filters");
     change([&](SubscriptionState& next) { next.filters.push_back(std::move(filter)); });
 }
 
@@ -148,8 +142,7 @@ void SubscriptionStore::add(DestinationRecord destination)
 {
     if (findDestination(destination.key))
         throw Refusal(CMPI_RC_ERR_ALREADY_EXISTS, named(destination.key) + " exists already");
-    if (_state.destinations.size() >= _limits.destinations)
-        refuseLimit(_limits.destinations, "listener destinations");
+    if (_state.destinations.size() >= _limits.destinations) refuseLimit(_limits.destinations, "listener destinations");
     change([&](SubscriptionState& next) { next.destinations.push_back(std::move(destination)); });
 }
 
@@ -162,8 +155,7 @@ void SubscriptionStore::checkNew(const SubscriptionRecord& subscription) const
     if (findSubscription(subscription.key))
         throw Refusal(CMPI_RC_ERR_ALREADY_EXISTS, named(subscription.key.handler) + " is subscribed to " +
                                                       named(subscription.key.filter) + " already");
-    if (_state.subscriptions.size() >= _limits.subscriptions)
-        refuseLimit(_limits.subscriptions, "subscriptions");
+    if (_state.subscriptions.size() >= _limits.subscriptions) refuseLimit(_limits.subscriptions, "subscriptions");
 }
 
 void SubscriptionStore::add(SubscriptionRecord subscription)
@@ -176,24 +168,21 @@ void SubscriptionStore::replace(const SubscriptionRecord& subscription)
 {
     change([&](SubscriptionState& next) {
         for (SubscriptionRecord& one : next.subscriptions)
-            if (one.key == subscription.key)
-                one = subscription;
+            if (one.key == subscription.key) one = subscription;
     });
 }
 
 bool SubscriptionStore::refers(const SubscriptionRecord& subscription, const ElementKey& filter) const
 {
     for (const FilterRecord* one : filtersOf(subscription))
-        if (one->key == filter)
-            return true;
+        if (one->key == filter) return true;
     return false;
 }
 
 void SubscriptionStore::removeFilter(const ElementKey& key)
 {
     const FilterRecord* filter = findFilter(key);
-    if (!filter)
-        throw Refusal(CMPI_RC_ERR_NOT_FOUND, "there is no " + named(key));
+    if (!filter) throw Refusal(CMPI_RC_ERR_NOT_FOUND, "there is no " + named(key));
     if (filter->isStatic)
         throw Refusal(CMPI_RC_ERR_FAILED, named(key) + " belongs to the server and cannot be deleted");
     for (const SubscriptionRecord& one : _state.subscriptions)
@@ -204,8 +193,7 @@ void SubscriptionStore::removeFilter(const ElementKey& key)
 
 void SubscriptionStore::removeDestination(const ElementKey& key)
 {
-    if (!findDestination(key))
-        throw Refusal(CMPI_RC_ERR_NOT_FOUND, "there is no " + named(key));
+    if (!findDestination(key)) throw Refusal(CMPI_RC_ERR_NOT_FOUND, "there is no " + named(key));
     for (const SubscriptionRecord& one : _state.subscriptions)
         if (one.key.handler == key)
             throw Refusal(CMPI_RC_ERR_FAILED, named(key) + " is used by the subscription to " + named(one.key.filter));
@@ -215,8 +203,7 @@ void SubscriptionStore::removeDestination(const ElementKey& key)
 void SubscriptionStore::removeSubscription(const SubscriptionKey& key)
 {
     if (!findSubscription(key))
-        throw Refusal(CMPI_RC_ERR_NOT_FOUND,
-                      named(key.handler) + " is not subscribed to " + named(key.filter));
+        throw Refusal(CMPI_RC_ERR_NOT_FOUND, named(key.handler) + " is not subscribed to " + named(key.filter));
     change([&](SubscriptionState& next) { erase(next.subscriptions, key); });
 }
 

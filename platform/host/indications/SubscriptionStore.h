@@ -5,7 +5,6 @@
 
 #include "indications/StateFile.h"
 #include "indications/SubscriptionRecords.h"
-
 #include "logger/Logger.h"
 
 #include <functional>
@@ -51,7 +50,8 @@ public:
     StateFile& file() noexcept { return _file; }
 
 private:
-    template <class Change> void change(Change&& apply);
+    template <class Change>
+    void change(Change&& apply);
     void dropDangling(SubscriptionState& state) const;
     bool refers(const SubscriptionRecord& subscription, const ElementKey& filter) const;
 

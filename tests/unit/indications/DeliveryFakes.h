@@ -41,7 +41,8 @@ private:
     std::vector<long> _pauses;
 };
 
-// Answers as told, then with Delivered. Behind a closed gate every attempt waits until the gate opens or it is cancelled.
+// Answers as told, then with Delivered. Behind a closed gate every attempt waits until the gate opens or it is
+// cancelled.
 class ScriptedListener {
 public:
     std::unique_ptr<ListenerConnection> connect() { return std::make_unique<Connection>(*this); }
@@ -101,8 +102,7 @@ private:
                 outcome = _listener._script.front();
                 _listener._script.pop_front();
             }
-            if (outcome == ExportOutcome::Delivered)
-                _listener._delivered.push_back(id);
+            if (outcome == ExportOutcome::Delivered) _listener._delivered.push_back(id);
             return {outcome, outcome == ExportOutcome::Delivered ? "" : "as told"};
         }
         void cancel() noexcept override

@@ -43,10 +43,11 @@ TEST_F(DestinationQueueTest, DeliversInOrderWithRisingNumbers)
     EXPECT_EQ(counters.waiting, 0u);
     EXPECT_EQ(counters.waitingBytes, 0u);
     EXPECT_THAT(_listener.delivered(), ElementsAre("0", "1", "2"));
-    EXPECT_THAT(_listener.lastMessage(),
-                HasSubstr("<!--c--><PROPERTY NAME=\"IndicationFilterName\" TYPE=\"string\"><VALUE>filter</VALUE></PROPERTY>"
-                          "<PROPERTY NAME=\"SequenceContext\" TYPE=\"string\"><VALUE>context</VALUE></PROPERTY>"
-                          "<PROPERTY NAME=\"SequenceNumber\" TYPE=\"sint64\"><VALUE>2</VALUE></PROPERTY></INSTANCE>"));
+    EXPECT_THAT(
+        _listener.lastMessage(),
+        HasSubstr("<!--c--><PROPERTY NAME=\"IndicationFilterName\" TYPE=\"string\"><VALUE>filter</VALUE></PROPERTY>"
+                  "<PROPERTY NAME=\"SequenceContext\" TYPE=\"string\"><VALUE>context</VALUE></PROPERTY>"
+                  "<PROPERTY NAME=\"SequenceNumber\" TYPE=\"sint64\"><VALUE>2</VALUE></PROPERTY></INSTANCE>"));
 }
 
 TEST_F(DestinationQueueTest, TriesAFailedOneAgainBeforeAnyLaterOneWithGrowingPauses)

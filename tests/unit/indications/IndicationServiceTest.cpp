@@ -2,12 +2,12 @@
 #include "TestListener.h"
 
 #include <algorithm>
-#include <thread>
-
-#include <nlohmann/json.hpp>
 #include <sys/socket.h>
 #include <sys/un.h>
+#include <thread>
 #include <unistd.h>
+
+#include <nlohmann/json.hpp>
 
 using namespace KDV::Host;
 using testing::ElementsAre;
@@ -18,10 +18,7 @@ namespace {
 
 constexpr const char* about = "KDV_SASIndication as root/vnr:KDV_SASIndication";
 
-std::string call(const std::string& function, const std::string& rest = "")
-{
-    return function + ' ' + about + rest;
-}
+std::string call(const std::string& function, const std::string& rest = "") { return function + ' ' + about + rest; }
 
 class IndicationServiceTest : public ServiceFixture {};
 
@@ -39,8 +36,8 @@ TEST_F(IndicationServiceTest, CallsTheProviderInOrderAndMirrored)
     SubscriptionRecord first = subscription("f", "d");
     first.creator = "root";
     service->add(first);
-    EXPECT_THAT(recorder->calls(), ElementsAre(call("authorize", " for root"), call("poll"), call("activate", " first"),
-                                               "enable"));
+    EXPECT_THAT(recorder->calls(),
+                ElementsAre(call("authorize", " for root"), call("poll"), call("activate", " first"), "enable"));
     service->add(subscription("f", "e"));
     EXPECT_THAT(recorder->calls(), ElementsAre(call("authorize", " for nobody")));
     service->add(subscription("g", "d"));

@@ -24,7 +24,8 @@ protected:
         setup.sequenceContext = "context";
         setup.clock = &_clock;
         setup.retry.giveUpAfter = std::chrono::hours(1'000'000);
-        return std::make_unique<DestinationQueue>(setup, connectTo(listener.url(), options), Logger("indications-test"));
+        return std::make_unique<DestinationQueue>(setup, connectTo(listener.url(), options),
+                                                  Logger("indications-test"));
     }
     static void expectAllInOrder(const TestListener& listener, std::size_t count)
     {
@@ -197,16 +198,18 @@ TEST_F(ListenerConnectionTest, TakesNoPlainListenerForASecureOne)
 TEST(ExportMessage, EscapesWhatNamesHold)
 {
     EXPECT_THAT(exportTail("a<&\"b", "c>\x01", 7),
-                testing::AllOf(HasSubstr("<VALUE>a&lt;&amp;"), HasSubstr("c&gt;\xef\xbf\xbd</VALUE>"), HasSubstr("<VALUE>7</VALUE>")));
+                testing::AllOf(HasSubstr("<VALUE>a&lt;&amp;"), HasSubstr("c&gt;\xef\xbf\xbd</VALUE>"),
+                               HasSubstr("<VALUE>7</VALUE>")));
 }
 
 TEST(ExportMessage, UnderstandsAnswers)
 {
     const auto outcome = [](const std::string& content, long status = 200) {
-        return readExportAnswer(status,
-                                "<CIM CIMVERSION=\"2.0\" DTDVERSION=\"2.0\"><MESSAGE ID=\"5\" PROTOCOLVERSION=\"1.0\">" +
-                                    content + "</MESSAGE></CIM>",
-                                "5")
+        return readExportAnswer(
+                   status,
+                   "<CIM CIMVERSION=\"2.0\" DTDVERSION=\"2.0\"><MESSAGE ID=\"5\" PROTOCOLVERSION=\"1.0\">" + content +
+                       "</MESSAGE></CIM>",
+                   "5")
             .outcome;
     };
     const auto response = [](const std::string& content) {

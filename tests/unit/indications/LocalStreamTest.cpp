@@ -7,14 +7,14 @@
 #include <cstring>
 #include <fstream>
 #include <future>
-#include <system_error>
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/un.h>
+#include <system_error>
 #include <unistd.h>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 using namespace KDV::Host;
 
@@ -47,8 +47,7 @@ public:
             }
             char block[4096];
             const ssize_t count = ::recv(_socket, block, sizeof block, 0);
-            if (count <= 0)
-                return "end";
+            if (count <= 0) return "end";
             _buffer.append(block, static_cast<std::size_t>(count));
         }
     }
@@ -65,11 +64,12 @@ class LocalStreamTest : public testing::Test {
 protected:
     std::unique_ptr<LocalStream> make()
     {
-        return std::make_unique<LocalStream>(_options, [this](bool followed) { _followed.store(followed ? 1 : 2); },
-                                             Logger("indications-test"));
+        return std::make_unique<LocalStream>(
+            _options, [this](bool followed) { _followed.store(followed ? 1 : 2); }, Logger("indications-test"));
     }
     LocalStreamTest() { _options.path = (_directory.path() / "stream").string(); }
-    template <class Condition> static void waitUntil(Condition condition)
+    template <class Condition>
+    static void waitUntil(Condition condition)
     {
         while (!condition()) // the test's own time limit ends it
             std::this_thread::yield();
@@ -147,7 +147,7 @@ TEST_F(LocalStreamTest, IsOpenOnlyToThoseWhoMay)
     for (const mode_t mode : {0600u, 0660u}) {
         _options.mode = mode;
         const auto stream = make();
-        struct stat found{};
+        struct stat found {};
         ASSERT_EQ(::stat(_options.path.c_str(), &found), 0);
         EXPECT_EQ(found.st_mode & 0777u, mode);
     }

@@ -25,17 +25,14 @@ struct FakeObject : QuerySource {
     {
         const FakeObject* object = this;
         for (std::size_t i = 0; i < path.size(); ++i) {
-            const std::string key =
-                path[i].name + (path[i].index < 0 ? "" : "[" + std::to_string(path[i].index) + "]");
-            if (!path[i].scope.empty() && !object->isA(path[i].scope))
-                return {};
+            const std::string key = path[i].name + (path[i].index < 0 ? "" : "[" + std::to_string(path[i].index) + "]");
+            if (!path[i].scope.empty() && !object->isA(path[i].scope)) return {};
             if (i + 1 == path.size()) {
                 const auto found = object->values.find(key);
                 return found == object->values.end() ? QueryValue() : found->second;
             }
             const auto next = object->embedded.find(key);
-            if (next == object->embedded.end())
-                return {};
+            if (next == object->embedded.end()) return {};
             object = &next->second;
         }
         return {};
@@ -155,11 +152,11 @@ TEST(Query, DoesNotMatchConditionsThatDoNotHold)
 
 TEST(Query, TakesWhatIsUnknownForNeitherTrueNorFalse)
 {
-    for (const char* unknown : {"Missing = 1", "Missing <> 1", "EventID = 301", "EventID < 1", "Urgent > FALSE",
-                                "Urgent = 1", "RecommendedActions = 'Replace it'", "RecommendedActions[9] = 'x'",
-                                "IndicationTime = 'yesterday'", "IndicationTime < '2026****120000.000000+060'",
-                                "IndicationTime > '00000001000000.000000:000'", "Missing ISA CIM_Error",
-                                "Missing.DeviceID = '7'", "EventID.Deeper = '7'"}) {
+    for (const char* unknown :
+         {"Missing = 1", "Missing <> 1", "EventID = 301", "EventID < 1", "Urgent > FALSE", "Urgent = 1",
+          "RecommendedActions = 'Replace it'", "RecommendedActions[9] = 'x'", "IndicationTime = 'yesterday'",
+          "IndicationTime < '2026****120000.000000+060'", "IndicationTime > '00000001000000.000000:000'",
+          "Missing ISA CIM_Error", "Missing.DeviceID = '7'", "EventID.Deeper = '7'"}) {
         const std::string text = unknown;
         EXPECT_FALSE(matches(text)) << text;
         EXPECT_FALSE(matches("NOT (" + text + ")")) << text;
@@ -191,7 +188,8 @@ TEST(Query, KnowsTheWaysToSelectProperties)
 TEST(Query, NamesNoPropertyOfAnotherClassAmongItsOwn)
 {
     const Query query = Query::compile(
-        "SELECT * FROM X_Alert WHERE X_Sub::Extra = 1 AND SourceInstance.DeviceID = '7' AND X_Alert ISA X_Sub", "DMTF:CQL");
+        "SELECT * FROM X_Alert WHERE X_Sub::Extra = 1 AND SourceInstance.DeviceID = '7' AND X_Alert ISA X_Sub",
+        "DMTF:CQL");
     EXPECT_EQ(query.propertiesNamed(), (std::vector<std::string>{"SourceInstance"}));
 }
 

@@ -23,8 +23,8 @@ struct RecordingProvider::Functions {
     static CMPIStatus authorize(CMPIIndicationMI* self, const CMPIContext*, const CMPISelectExp* filter,
                                 const char* className, const CMPIObjectPath* path, const char* owner)
     {
-        return of(self).record("authorize", "authorize " + about(filter, className, path) + " for " +
-                                                (owner ? owner : "nobody"));
+        return of(self).record("authorize",
+                               "authorize " + about(filter, className, path) + " for " + (owner ? owner : "nobody"));
     }
     static CMPIStatus poll(CMPIIndicationMI* self, const CMPIContext*, const CMPIResult* result,
                            const CMPISelectExp* filter, const char* className, const CMPIObjectPath* path)
@@ -62,8 +62,8 @@ RecordingProvider::RecordingProvider(Broker& broker, CMPIVersion version) : _bro
     _functions.authorizeFilter = Functions::authorize;
     _functions.mustPoll = Functions::poll;
     if (version < CMPIVersion210)
-        _functions.mustPoll = reinterpret_cast<decltype(_functions.mustPoll)>(
-            reinterpret_cast<void (*)()>(&Functions::pollBefore));
+        _functions.mustPoll =
+            reinterpret_cast<decltype(_functions.mustPoll)>(reinterpret_cast<void (*)()>(&Functions::pollBefore));
     _functions.activateFilter = Functions::activate;
     _functions.deActivateFilter = Functions::deactivate;
     _functions.enableIndications = Functions::enable;
@@ -75,8 +75,7 @@ CMPIStatus RecordingProvider::record(const std::string& function, const std::str
 {
     const std::lock_guard<std::mutex> lock(_mutex);
     _calls.push_back(call);
-    if (function != _refused)
-        return {CMPI_RC_OK, nullptr};
+    if (function != _refused) return {CMPI_RC_OK, nullptr};
     CMPIStatus status{CMPI_RC_OK, nullptr};
     return {_rc, _broker.cmpi()->eft->newString(_broker.cmpi(), "not today", &status)};
 }

@@ -1,13 +1,12 @@
 // A broker with the interop classes and an alert class, a recording provider for it, and the service between them.
 #pragma once
 
-#include "indications/Refusal.h"
-#include "indications/SubscriptionProvider.h"
-
 #include "DeliveryFakes.h"
 #include "RecordingProvider.h"
 #include "TemporaryDirectory.h"
 #include "broker/CollectingSink.h"
+#include "indications/Refusal.h"
+#include "indications/SubscriptionProvider.h"
 
 #include <atomic>
 #include <map>
@@ -51,8 +50,7 @@ protected:
     }
     void end()
     {
-        if (service)
-            service->stop();
+        if (service) service->stop();
         broker->setIndicationSink(nullptr);
         provider.reset();
         service.reset();
@@ -66,8 +64,7 @@ protected:
     ScriptedListener& listener(const std::string& url)
     {
         auto& found = listeners[url];
-        if (!found)
-            found = std::make_unique<ScriptedListener>();
+        if (!found) found = std::make_unique<ScriptedListener>();
         return *found;
     }
 
@@ -111,13 +108,13 @@ protected:
         try {
             call();
         } catch (const Refusal& refused) {
-            if (text)
-                *text = refused.what();
+            if (text) *text = refused.what();
             return refused.rc();
         }
         return 0;
     }
-    template <class Condition> static void waitUntil(Condition condition)
+    template <class Condition>
+    static void waitUntil(Condition condition)
     {
         while (!condition()) // the test's own time limit ends it
             std::this_thread::yield();

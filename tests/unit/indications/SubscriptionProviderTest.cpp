@@ -160,9 +160,7 @@ TEST_F(SubscriptionProviderTest, RefusesInstancesThatMakeNoSense)
          CMPI_RC_ERR_INVALID_PARAMETER},
         {InteropClass::filter, {{"QueryLanguage", "WQL"}}, CMPI_RC_ERR_INVALID_PARAMETER},
         {InteropClass::filter, {{"Query", query}}, CMPI_RC_ERR_INVALID_PARAMETER},
-        {InteropClass::filter,
-         {{"Query", query}, {"QueryLanguage", "SQL"}},
-         CMPI_RC_ERR_QUERY_LANGUAGE_NOT_SUPPORTED},
+        {InteropClass::filter, {{"Query", query}, {"QueryLanguage", "SQL"}}, CMPI_RC_ERR_QUERY_LANGUAGE_NOT_SUPPORTED},
         {InteropClass::filter, {{"Query", "SELECT"}, {"QueryLanguage", "WQL"}}, CMPI_RC_ERR_INVALID_QUERY},
         {InteropClass::subscription, {}, CMPI_RC_ERR_INVALID_PARAMETER},
         {InteropClass::collection, {{"InstanceID", "x"}}, CMPI_RC_ERR_NOT_SUPPORTED},
@@ -198,8 +196,9 @@ TEST_F(SubscriptionProviderTest, SubscribesToTheReadyCollectionAndToItsFilter)
               CMPI_RC_ERR_NOT_FOUND);
 
     sink = CollectingSink();
-    ASSERT_EQ(provider->enumerateInstances(nullptr, scope.path(nameSpace, InteropClass::subscription), nullptr, sink).rc,
-              CMPI_RC_OK);
+    ASSERT_EQ(
+        provider->enumerateInstances(nullptr, scope.path(nameSpace, InteropClass::subscription), nullptr, sink).rc,
+        CMPI_RC_OK);
     ASSERT_EQ(sink.instances.size(), 1u);
     EXPECT_EQ(sink.instances[0].value("SubscriptionState"), "2");
     EXPECT_EQ(sink.instances[0].value("OnFatalErrorPolicy"), "2");
@@ -274,12 +273,14 @@ TEST_F(SubscriptionProviderTest, FollowsSubscriptionsAndMembershipsAsAssociation
     RequestScope scope(*broker, nameSpace);
     const ElementKey handler = key(InteropClass::destination, "d");
     ASSERT_EQ(subscribe(scope, collectionKey(staticName), handler).rc, CMPI_RC_OK);
-    ASSERT_EQ(subscribe(scope, key(InteropClass::filter, staticName), handler, InteropClass::subscription).rc, CMPI_RC_OK);
+    ASSERT_EQ(subscribe(scope, key(InteropClass::filter, staticName), handler, InteropClass::subscription).rc,
+              CMPI_RC_OK);
     const auto ends = [&](const ElementKey& from, const char* association, const char* result, const char* role,
                           const char* resultRole) {
         sink = CollectingSink();
-        EXPECT_EQ(provider->associatorNames(nullptr, pathOf(scope, from), association, result, role, resultRole, sink).rc,
-                  CMPI_RC_OK);
+        EXPECT_EQ(
+            provider->associatorNames(nullptr, pathOf(scope, from), association, result, role, resultRole, sink).rc,
+            CMPI_RC_OK);
         std::vector<std::string> classes;
         for (const std::string& path : sink.paths)
             classes.push_back(path.substr(path.find(':') + 1, path.find('.') - path.find(':') - 1));
@@ -298,15 +299,17 @@ TEST_F(SubscriptionProviderTest, FollowsSubscriptionsAndMembershipsAsAssociation
     EXPECT_EQ(provider->references(nullptr, pathOf(scope, handler), nullptr, nullptr, nullptr, sink).rc, CMPI_RC_OK);
     EXPECT_EQ(sink.instances.size(), 2u);
     sink = CollectingSink();
-    EXPECT_EQ(provider->referenceNames(nullptr, pathOf(scope, collectionKey(staticName)), InteropClass::member,
-                                       "Collection", sink)
+    EXPECT_EQ(provider
+                  ->referenceNames(nullptr, pathOf(scope, collectionKey(staticName)), InteropClass::member,
+                                   "Collection", sink)
                   .rc,
               CMPI_RC_OK);
     EXPECT_EQ(sink.paths.size(), 1u);
     sink = CollectingSink();
     const char* wanted[] = {"Destination", nullptr};
-    EXPECT_EQ(provider->associators(nullptr, pathOf(scope, collectionKey(staticName)), nullptr, nullptr, nullptr,
-                                    "Handler", wanted, sink)
+    EXPECT_EQ(provider
+                  ->associators(nullptr, pathOf(scope, collectionKey(staticName)), nullptr, nullptr, nullptr, "Handler",
+                                wanted, sink)
                   .rc,
               CMPI_RC_OK);
     ASSERT_EQ(sink.instances.size(), 1u);

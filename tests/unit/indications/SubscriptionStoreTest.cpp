@@ -1,9 +1,8 @@
 #include "indications/SubscriptionStore.h"
 
+#include "TemporaryDirectory.h"
 #include "indications/Refusal.h"
 #include "indications/StateText.h"
-
-#include "TemporaryDirectory.h"
 
 #include <algorithm>
 #include <fstream>
@@ -218,7 +217,8 @@ TEST_F(SubscriptionStoreTest, HoldsItsLimits)
     EXPECT_EQ(refusal([&] { store.add(destination("3")); }).first, CMPI_RC_ERR_SERVER_LIMITS_EXCEEDED);
     store.add(subscription("1", "1"));
     EXPECT_EQ(refusal([&] { store.add(subscription("1", "2")); }).first, CMPI_RC_ERR_SERVER_LIMITS_EXCEEDED);
-    EXPECT_EQ(store.state().filters.size() + store.state().destinations.size() + store.state().subscriptions.size(), 5u);
+    EXPECT_EQ(store.state().filters.size() + store.state().destinations.size() + store.state().subscriptions.size(),
+              5u);
 }
 
 TEST_F(SubscriptionStoreTest, KeepsTheOldFileWhenItIsStoppedBeforeTheNewOneIsInPlace)

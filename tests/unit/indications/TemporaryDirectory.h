@@ -11,8 +11,7 @@ public:
     TemporaryDirectory()
     {
         std::string name = (std::filesystem::temp_directory_path() / "kdv-indications-XXXXXX").string();
-        if (!mkdtemp(name.data()))
-            throw std::runtime_error("no temporary directory");
+        if (!mkdtemp(name.data())) throw std::runtime_error("no temporary directory");
         _path = name;
     }
     ~TemporaryDirectory()

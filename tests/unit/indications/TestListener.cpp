@@ -1,10 +1,9 @@
 #include "TestListener.h"
 
-#include <cstring>
-#include <stdexcept>
-
 #include <arpa/inet.h>
+#include <cstring>
 #include <netinet/in.h>
+#include <stdexcept>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -17,8 +16,7 @@ bool sendAll(int socket, const std::string& text)
     std::size_t sent = 0;
     while (sent < text.size()) {
         const ssize_t count = ::send(socket, text.data() + sent, text.size() - sent, MSG_NOSIGNAL);
-        if (count <= 0)
-            return false;
+        if (count <= 0) return false;
         sent += static_cast<std::size_t>(count);
     }
     return true;
@@ -27,8 +25,7 @@ bool sendAll(int socket, const std::string& text)
 std::string between(const std::string& text, const std::string& before, const std::string& after)
 {
     const std::size_t begin = text.find(before);
-    if (begin == std::string::npos)
-        return "none";
+    if (begin == std::string::npos) return "none";
     const std::size_t end = text.find(after, begin + before.size());
     return text.substr(begin + before.size(), end - begin - before.size());
 }
@@ -46,10 +43,7 @@ std::string response(const std::string& id, const std::string& content)
            "</EXPMETHODRESPONSE></SIMPLEEXPRSP></MESSAGE></CIM>";
 }
 
-std::string error(int code)
-{
-    return "<ERROR CODE=\"" + std::to_string(code) + "\" DESCRIPTION=\"as told\"/>";
-}
+std::string error(int code) { return "<ERROR CODE=\"" + std::to_string(code) + "\" DESCRIPTION=\"as told\"/>"; }
 
 } // namespace
 
@@ -87,8 +81,7 @@ TestListener::~TestListener()
         _signal.notify_all();
     }
     ::shutdown(_listener, SHUT_RDWR);
-    if (_acceptor.joinable())
-        _acceptor.join();
+    if (_acceptor.joinable()) _acceptor.join();
     for (std::thread& thread : _threads)
         thread.join();
     ::close(_listener);
@@ -96,8 +89,7 @@ TestListener::~TestListener()
 
 void TestListener::listen()
 {
-    if (::listen(_listener, 16) != 0)
-        throw std::runtime_error("listen");
+    if (::listen(_listener, 16) != 0) throw std::runtime_error("listen");
     _acceptor = std::thread([this] { acceptLoop(); });
 }
 
@@ -161,8 +153,7 @@ void TestListener::acceptLoop()
 {
     for (;;) {
         const int socket = ::accept4(_listener, nullptr, nullptr, SOCK_CLOEXEC);
-        if (socket < 0)
-            return;
+        if (socket < 0) return;
         const std::lock_guard<std::mutex> lock(_mutex);
         if (_stopping) {
             ::close(socket);
@@ -188,11 +179,9 @@ void TestListener::serve(int socket)
             }
             _received.push_back(message);
             _signal.notify_all();
-            if (with == Reply::Hold)
-                _signal.wait(lock, [this] { return _released || _stopping; });
+            if (with == Reply::Hold) _signal.wait(lock, [this] { return _released || _stopping; });
         }
-        if (!answer(socket, with, message))
-            break;
+        if (!answer(socket, with, message)) break;
     }
     const std::lock_guard<std::mutex> lock(_mutex);
     _sockets.remove(socket);
@@ -205,20 +194,17 @@ bool TestListener::readMessage(int socket, std::string& buffer, Message& message
     const auto more = [&] {
         char block[4096];
         const ssize_t count = ::recv(socket, block, sizeof block, 0);
-        if (count > 0)
-            buffer.append(block, static_cast<std::size_t>(count));
+        if (count > 0) buffer.append(block, static_cast<std::size_t>(count));
         return count > 0;
     };
     std::size_t end;
     while ((end = buffer.find("\r\n\r\n")) == std::string::npos)
-        if (!more())
-            return false;
+        if (!more()) return false;
     message.head = buffer.substr(0, end);
     buffer.erase(0, end + 4);
     const std::size_t length = std::stoul(between(message.head + "\r\n", "Content-Length: ", "\r\n"));
     while (buffer.size() < length)
-        if (!more())
-            return false;
+        if (!more()) return false;
     message.body = buffer.substr(0, length);
     buffer.erase(0, length);
     return true;
@@ -237,19 +223,28 @@ bool TestListener::answer(int socket, Reply with, const Message& message)
         }
         return sendAll(socket, http(response(id, "<IRETURNVALUE/>")));
     }
-    case Reply::Http500: return sendAll(socket, http("", "500 Internal Server Error"));
-    case Reply::CimFailed: return sendAll(socket, http(response(id, error(1))));
-    case Reply::CimNotSupported: return sendAll(socket, http(response(id, error(7))));
-    case Reply::Close: return false;
+    case Reply::Http500:
+        return sendAll(socket, http("", "500 Internal Server Error"));
+    case Reply::CimFailed:
+        return sendAll(socket, http(response(id, error(1))));
+    case Reply::CimNotSupported:
+        return sendAll(socket, http(response(id, error(7))));
+    case Reply::Close:
+        return false;
     case Reply::CloseInBody: {
         const std::string whole = http(response(id, "<IRETURNVALUE/>"));
         sendAll(socket, whole.substr(0, whole.size() - 40));
         return false;
     }
-    case Reply::NoXml: return sendAll(socket, http("<html><body>It works!</body>"));
-    case Reply::OtherMessageId: return sendAll(socket, http(response("x" + id, "<IRETURNVALUE/>")));
-    case Reply::EmptyBody: return sendAll(socket, http(""));
-    case Reply::HugeBody: sendAll(socket, http(std::string(1u << 20, ' '))); return false;
+    case Reply::NoXml:
+        return sendAll(socket, http("<html><body>It works!</body>"));
+    case Reply::OtherMessageId:
+        return sendAll(socket, http(response("x" + id, "<IRETURNVALUE/>")));
+    case Reply::EmptyBody:
+        return sendAll(socket, http(""));
+    case Reply::HugeBody:
+        sendAll(socket, http(std::string(1u << 20, ' ')));
+        return false;
     }
     return false;
 }
