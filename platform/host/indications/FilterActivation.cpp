@@ -104,8 +104,10 @@ Outcome FilterActivation::findTargets(Active& active)
         Provider& provider = _providers[registration.provider];
         provider.name = registration.provider;
         if (!provider.table) {
-            Outcome outcome{CMPI_RC_ERR_NOT_SUPPORTED, "provider " + provider.name + " sends no indications"};
+            Outcome outcome;
             provider.table = registration.load(outcome);
+            if (!provider.table && outcome.rc == CMPI_RC_OK) // loaded, but without indication functions
+                outcome = {CMPI_RC_ERR_NOT_SUPPORTED, "provider " + provider.name + " sends no indications"};
             if (!provider.table) return outcome;
         }
         if (provider.table->ft->ftVersion < CMPIVersion100)

@@ -87,6 +87,23 @@ TEST_F(IndicationServiceTest, RefusesWhatTheProviderRefuses)
     EXPECT_THAT(recorder->calls(), testing::Contains("enable"));
 }
 
+TEST_F(IndicationServiceTest, RefusesSubscriptionsWhoseProviderCannotBeLoaded)
+{
+    Outcome loading;
+    IndicationService own(*broker, options, {{"Absent", "root/vnr", "KDV_SASIndication", [&](Outcome& outcome) {
+                                                  outcome = loading;
+                                                  return static_cast<CMPIIndicationMI*>(nullptr);
+                                              }}});
+    own.start();
+    own.add(destination("d"));
+    EXPECT_EQ(refusal([&] { own.add(toCollection("d")); }), CMPI_RC_ERR_NOT_SUPPORTED);
+    loading = {CMPI_RC_ERR_FAILED, "no such library"};
+    std::string text;
+    EXPECT_EQ(refusal([&] { own.add(toCollection("d")); }, &text), CMPI_RC_ERR_FAILED);
+    EXPECT_THAT(text, HasSubstr("no such library"));
+    EXPECT_THAT(own.subscriptions(), IsEmpty());
+}
+
 TEST_F(IndicationServiceTest, RefusesFiltersThatNobodyCanServe)
 {
     begin();
