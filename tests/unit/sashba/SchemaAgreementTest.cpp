@@ -1,10 +1,12 @@
-// The JSON Schema names exactly the fields and words that the library knows.
+// The JSON Schema names exactly the fields and words that the library knows, and so does the documentation.
 #include "sashba/scenario/FieldTables.h"
+#include "sashba/scenario/ScenarioReader.h"
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
 #include <fstream>
+#include <iterator>
 #include <set>
 #include <string>
 
@@ -68,6 +70,37 @@ TEST(Schema, NamesTheWordsOfTheLibrary)
             EXPECT_EQ(field.at("anyOf").at(0).at("enum"), words) << kind.name << ' ' << row.name;
         }
     }
+}
+
+std::string documentation()
+{
+    std::ifstream file(std::string(KDV_SOURCE_DIR) + "/docs/scenarios.md");
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+TEST(Documentation, NamesEveryFieldAndWord)
+{
+    const std::string text = documentation();
+    for (const KindInSchema& kind : kinds) {
+        for (const FieldRow& row : fieldsOf(kind.kind)) {
+            EXPECT_NE(text.find('`' + std::string(row.name) + '`'), std::string::npos) << kind.name << ' ' << row.name;
+            for (const CodeWord& word : row.words) {
+                const std::string plain(word.word);
+                EXPECT_TRUE(text.find('`' + plain + '`') != std::string::npos ||
+                            text.find("`\"" + plain + "\"`") != std::string::npos)
+                    << kind.name << ' ' << plain;
+            }
+        }
+    }
+}
+
+TEST(Documentation, ShowsAScenarioThatWorks)
+{
+    const std::string text = documentation();
+    const std::size_t begin = text.find("{\n  \"description\"");
+    ASSERT_NE(begin, std::string::npos);
+    Problems problems;
+    EXPECT_TRUE(readScenario(text.substr(begin, text.find("```", begin) - begin), problems)) << problems.text();
 }
 
 } // namespace

@@ -37,14 +37,14 @@ void expectVolumesAgree(const Playground& play, std::size_t hbaIndex)
 {
     std::map<std::uint32_t, int> usage;
     for (const SasPhysicalDriveRecord* drive : play.drives(hbaIndex))
-        usage[drive->driveNumber] = drive->usage;
+        usage[std::uint32_t{drive->driveNumber}] = drive->usage;
     std::map<std::uint32_t, int> used;
     for (const SasLogicalDriveRecord* volume : recordsOf(play.hba(hbaIndex)->logicalDrives)) {
         const SasLogicalDriveRecord copy = *volume;
         for (std::uint32_t i = 0; i < copy.memberCount; ++i)
-            EXPECT_TRUE(used.emplace(copy.members[i], 2).second) << "drive " << copy.members[i] << " twice";
+            EXPECT_TRUE(used.emplace(std::uint32_t{copy.members[i]}, 2).second) << "drive " << std::uint32_t{copy.members[i]} << " twice";
         for (std::uint32_t i = 0; i < copy.spareCount; ++i)
-            EXPECT_TRUE(used.emplace(copy.spares[i], 3).second) << "drive " << copy.spares[i] << " twice";
+            EXPECT_TRUE(used.emplace(std::uint32_t{copy.spares[i]}, 3).second) << "drive " << std::uint32_t{copy.spares[i]} << " twice";
     }
     for (const auto& [number, role] : usage) {
         const auto found = used.find(number);
