@@ -1,4 +1,5 @@
 // kdv-cimhost: a small CIM object manager that serves CMPI providers to WBEM clients.
+#include "Alerts.h"
 #include "Places.h"
 #include "Summary.h"
 
@@ -18,6 +19,7 @@ struct Arguments {
     std::string portFile;
     std::string schemaDirectory = defaultSchemaDirectory().string();
     std::string providerDirectory = defaultProviderDirectory().string();
+    std::string stateDirectory = defaultStateDirectory().string();
     std::string profile = "standard";
     bool quiet = false;
 };
@@ -27,10 +29,14 @@ void declare(CLI::App& app, Arguments& arguments)
     app.set_version_flag("--version", "kdv-cimhost " KDV_VERSION);
     app.add_option("--listen", arguments.listen, "where to listen, ADDRESS:PORT; may be given several times")
         ->capture_default_str();
-    app.add_option("--port-file", arguments.portFile, "write the port of each address that is listened at, a line each");
+    app.add_option("--port-file", arguments.portFile,
+                   "write the port of each address that is listened at, a line each");
     app.add_option("--schema-dir", arguments.schemaDirectory, "folder with kdv-sas.reg, kdv-sas.mof and core/")
         ->capture_default_str();
     app.add_option("--provider-dir", arguments.providerDirectory, "folder with the provider libraries")
+        ->capture_default_str();
+    app.add_option("--state-dir", arguments.stateDirectory,
+                   "folder where subscriptions are kept and the alert stream is")
         ->capture_default_str();
     app.add_option("--profile", arguments.profile, "how strict the broker is, and which server it resembles")
         ->check(CLI::IsMember({"standard", "sfcb", "pegasus"}))
@@ -44,8 +50,7 @@ HostOptions optionsOf(const Arguments& arguments)
     options.schemaDirectory = arguments.schemaDirectory;
     options.providerDirectory = arguments.providerDirectory;
     for (Profile profile : allProfiles)
-        if (arguments.profile == profileName(profile))
-            options.broker.profile = profile;
+        if (arguments.profile == profileName(profile)) options.broker.profile = profile;
     return options;
 }
 
@@ -57,28 +62,27 @@ void writePortFile(const std::string& name, const std::vector<Endpoint>& endpoin
     for (const Endpoint& endpoint : endpoints)
         file << endpoint.port << '\n';
     file.close();
-    if (!file || std::rename(unfinished.c_str(), name.c_str()) != 0)
-        throw std::runtime_error("cannot write " + name);
+    if (!file || std::rename(unfinished.c_str(), name.c_str()) != 0) throw std::runtime_error("cannot write " + name);
 }
 
 int run(const Arguments& arguments, const sigset_t& ending)
 {
+    useShippedConfiguration(arguments.schemaDirectory);
     CimHost host(optionsOf(arguments));
+    Alerts alerts(host, arguments.stateDirectory);
     std::vector<Endpoint> endpoints;
     for (const std::string& each : arguments.listen)
         endpoints.push_back(host.listen(each));
     for (const std::string& failure : host.createProviders())
         std::cerr << "kdv-cimhost: " << failure << '\n';
+    alerts.start();
     host.serve();
-    if (!arguments.portFile.empty())
-        writePortFile(arguments.portFile, endpoints);
-    if (!arguments.quiet)
-        writeSummary(std::cout, host, endpoints);
+    if (!arguments.portFile.empty()) writePortFile(arguments.portFile, endpoints);
+    if (!arguments.quiet) writeSummary(std::cout, host, endpoints, alerts.streamPath());
     int signal = 0;
     sigwait(&ending, &signal);
     host.stop();
-    if (!arguments.quiet)
-        std::cout << "kdv-cimhost ended" << std::endl;
+    if (!arguments.quiet) std::cout << "kdv-cimhost ended" << std::endl;
     return 0;
 }
 

@@ -1,5 +1,8 @@
 #include "Places.h"
 
+#include <cstdlib>
+#include <unistd.h>
+
 namespace KDV::Host {
 
 namespace fs = std::filesystem;
@@ -24,6 +27,24 @@ fs::path defaultProviderDirectory()
     const fs::path plain = prefix() / "lib";
     std::error_code error;
     return fs::exists(installed / "libKDVSASHBAProvider.so", error) ? installed : plain;
+}
+
+fs::path defaultStateDirectory()
+{
+    const fs::path at = prefix();
+    if (at != "/usr" && at != "/usr/local") return at / "state";
+    if (::geteuid() == 0) return "/var/lib/kdv-cimhost";
+    const char* const state = std::getenv("XDG_STATE_HOME");
+    if (state && *state) return fs::path(state) / "kdv-cimhost";
+    const char* const home = std::getenv("HOME");
+    return fs::path(home && *home ? home : "/tmp") / ".local" / "state" / "kdv-cimhost";
+}
+
+void useShippedConfiguration(const fs::path& schemaDirectory)
+{
+    std::error_code error;
+    if (std::getenv("KDV_CONFIG_DIR") || fs::exists("/etc/cim/zt-kdv", error)) return;
+    ::setenv("KDV_CONFIG_DIR", (schemaDirectory / "etc").c_str(), 0);
 }
 
 } // namespace KDV::Host

@@ -40,8 +40,7 @@ void writeNameSpaces(std::ostream& out, CimHost& host)
     for (const auto& nameSpace : host.repository().namespaces())
         for (const auto& classInfo : nameSpace->classes()) {
             const ProviderRoute* route = host.providers().find(*classInfo);
-            if (!route)
-                continue;
+            if (!route) continue;
             Served& served = byNameSpace[nameSpace->name()];
             ++(classInfo->isAssociation() ? served.associations : route->instances ? served.instances : served.others);
         }
@@ -61,13 +60,11 @@ void writeMachine(std::ostream& out, CimHost& host)
     for (const auto& nameSpace : host.repository().namespaces())
         for (const auto& [className, words] : shown) {
             const ClassInfo* classInfo = nameSpace->find(className);
-            if (!classInfo || !host.providers().find(*classInfo))
-                continue;
+            if (!classInfo || !host.providers().find(*classInfo)) continue;
             out << separator << instancesOf(host, *classInfo) << ' ' << words;
             separator = ", ";
         }
-    if (separator[0] == ',')
-        out << '\n';
+    if (separator[0] == ',') out << '\n';
 }
 
 } // namespace
@@ -78,7 +75,8 @@ std::string hostPort(const Endpoint& endpoint)
     return (bracket ? "[" + endpoint.address + "]" : endpoint.address) + ":" + endpoint.port;
 }
 
-void writeSummary(std::ostream& out, CimHost& host, const std::vector<Endpoint>& endpoints)
+void writeSummary(std::ostream& out, CimHost& host, const std::vector<Endpoint>& endpoints,
+                  const std::string& alertStream)
 {
     for (const Endpoint& endpoint : endpoints)
         out << "kdv-cimhost listens at http://" << hostPort(endpoint) << "/cimom\n";
@@ -88,6 +86,7 @@ void writeSummary(std::ostream& out, CimHost& host, const std::vector<Endpoint>&
         out << "  scenario " << scenario << '\n';
     if (!endpoints.empty()) {
         const std::string url = "http://" + hostPort(endpoints.front()) + "/root/vnr";
+        if (!alertStream.empty()) out << "  alerts: subscribe in interop, or follow " << alertStream << '\n';
         out << "ask it, for example:\n"
             << "  wbemcli ei '" << url << ":KDV_SASArraySystem'\n"
             << "  wbemcli ein '" << url << ":CIM_DiskDrive'\n"

@@ -8,7 +8,8 @@
 
 namespace KDV::Host {
 
-void writeSummary(std::ostream& out, CimHost& host, const std::vector<Endpoint>& endpoints);
+void writeSummary(std::ostream& out, CimHost& host, const std::vector<Endpoint>& endpoints,
+                  const std::string& alertStream);
 
 // "address:port" with brackets around IPv6 addresses.
 std::string hostPort(const Endpoint& endpoint);
