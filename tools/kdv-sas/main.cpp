@@ -84,6 +84,17 @@ int show(Cim::Connection& connection, const Options& options)
     return 0;
 }
 
+// Asks the provider to look at the hardware now instead of at its next interval.
+int refresh(Cim::Connection& connection, const Options& options)
+{
+    const std::vector<Cim::Path> workers =
+        connection.send(Cim::enumerateInstanceNames(options.nameSpace, "KDV_AutoStartSASHBA")).paths;
+    if (workers.empty()) throw Cim::Unreachable("the server has no worker of the provider");
+    for (const Cim::Path& worker : workers)
+        connection.send(Cim::invokeMethod(options.nameSpace, worker, "PerformWork"));
+    return 0;
+}
+
 int watch(Cim::Connection& connection, const Options& options)
 {
     unsigned seen = 0;
@@ -148,6 +159,7 @@ try {
     listApp->add_option("class", options.className, "such as KDV_SASDiskDrive or CIM_StorageVolume")->required();
     CLI::App* showApp = app.add_subcommand("show", "one instance");
     showApp->add_option("path", options.path, "Class.Key=\"value\",...")->required();
+    CLI::App* refreshApp = app.add_subcommand("refresh", "make the provider look at the hardware now");
     CLI::App* const watchApp = app.add_subcommand("watch", "subscribe and print alerts as they come");
     watchApp->add_option("--listen", options.listen, "address to receive alerts on")->capture_default_str();
     watchApp->add_option("--listen-port", options.listenPort, "port to receive alerts on; 0 takes a free one");
@@ -161,6 +173,7 @@ try {
     if (*treeApp) return run(tree, options);
     if (*listApp) return run(list, options);
     if (*showApp) return run(show, options);
+    if (*refreshApp) return run(refresh, options);
     return run(watch, options); // the last one: a command was required
 } catch (const Cim::Refused& error) {
     std::cerr << "kdv-sas: the server answers error " << error.code() << ": " << error.what() << "\n";

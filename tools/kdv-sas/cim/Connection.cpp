@@ -1,5 +1,7 @@
 #include "cim/Connection.h"
 
+#include <cctype>
+#include <cstring>
 #include <utility>
 
 #include <curl/curl.h>
@@ -34,11 +36,21 @@ std::size_t onHeader(char* bytes, std::size_t size, std::size_t count, void* dat
     return size * count;
 }
 
+// RFC 3986, section 2.1: everything but unreserved characters.
 std::string percentEncoded(const std::string& text)
 {
+    static constexpr char digits[] = "0123456789ABCDEF";
     std::string result;
-    for (const char c : text)
-        result += c == '/' ? std::string("%2F") : std::string(1, c);
+    for (const char c : text) {
+        const auto byte = static_cast<unsigned char>(c);
+        if (std::isalnum(byte) || std::strchr("-._~", c)) {
+            result += c;
+        } else {
+            result += '%';
+            result += digits[byte >> 4];
+            result += digits[byte & 15];
+        }
+    }
     return result;
 }
 
@@ -91,7 +103,7 @@ Reply Connection::send(const Request& request)
     append(headers, "Content-Type: application/xml; charset=\"utf-8\"");
     append(headers, "CIMOperation: MethodCall");
     append(headers, "CIMMethod: " + request.method);
-    append(headers, "CIMObject: " + percentEncoded(request.nameSpace));
+    append(headers, "CIMObject: " + percentEncoded(request.object));
     append(headers, "Expect:");
     Arrival arrival;
     curl_easy_setopt(curl, CURLOPT_HTTPHEADER, headers.get());

@@ -32,6 +32,26 @@ Request operation(const char* method, const std::string& nameSpace, const std::s
                 "</IMETHODCALL></SIMPLEREQ></MESSAGE></CIM>"};
 }
 
+// Class and keys as the CIMObject header of a method call has them (DSP0200, untyped path).
+std::string keysText(const Path& path)
+{
+    std::string text = path.className;
+    char separator = '.';
+    for (const Key& key : path.keys) {
+        text += separator + key.name + "=";
+        if (key.valueType != "string") {
+            text += key.value;
+        } else {
+            text += '"';
+            for (const char c : key.value)
+                text += c == '"' || c == '\\' ? std::string("\\") + c : std::string(1, c);
+            text += '"';
+        }
+        separator = ',';
+    }
+    return text;
+}
+
 } // namespace
 
 std::string escaped(const std::string& text)
@@ -101,6 +121,15 @@ Request getInstance(const std::string& nameSpace, const Path& path)
 Request deleteInstance(const std::string& nameSpace, const Path& path)
 {
     return operation("DeleteInstance", nameSpace, parameter("InstanceName", instanceNameXml(path)));
+}
+
+Request invokeMethod(const std::string& nameSpace, const Path& path, const std::string& method)
+{
+    return {method, nameSpace + ":" + keysText(path),
+            "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n<CIM CIMVERSION=\"2.0\" DTDVERSION=\"2.0\"><MESSAGE ID=\"1\" "
+            "PROTOCOLVERSION=\"1.0\"><SIMPLEREQ><METHODCALL NAME=\"" +
+                escaped(method) + "\"><LOCALINSTANCEPATH>" + nameSpaceXml(nameSpace) + instanceNameXml(path) +
+                "</LOCALINSTANCEPATH></METHODCALL></SIMPLEREQ></MESSAGE></CIM>"};
 }
 
 Request createInstance(const std::string& nameSpace, const std::string& className,

@@ -11,7 +11,7 @@ namespace Cim {
 
 struct Request {
     std::string method;
-    std::string nameSpace;
+    std::string object; // of the CIMObject header: a namespace, or for a method the instance in it
     std::string body;
 };
 
@@ -23,6 +23,8 @@ Request enumerateInstances(const std::string& nameSpace, const std::string& clas
 Request enumerateInstanceNames(const std::string& nameSpace, const std::string& className);
 Request getInstance(const std::string& nameSpace, const Path& path);
 Request deleteInstance(const std::string& nameSpace, const Path& path);
+// An extrinsic method without parameters.
+Request invokeMethod(const std::string& nameSpace, const Path& path, const std::string& method);
 
 // A property for createInstance: name, CIM type ("string", "uint16", "reference") and its XML value element.
 struct NewProperty {
