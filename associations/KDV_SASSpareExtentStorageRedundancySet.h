@@ -1,5 +1,6 @@
-// A spare disk's capacity and the redundancy set that it stands by for. Made for every physical drive that a logical
-// drive names as a spare; owned by the collection, used under the provider's lock.
+// A spare disk's capacity and the redundancy set that it stands by for. Made for a physical drive that is
+// used as a spare, with the first logical drive that names it, when that has a redundancy set; owned by the
+// collection, used under the provider's lock.
 #pragma once
 
 #include "associations/CIM_Dependency.h"

@@ -1,5 +1,5 @@
-// A member disk's capacity and the volume that is built on it. Made for every physical drive that a logical drive
-// names as a member; owned by the collection, used under the provider's lock.
+// A member disk's capacity and the volume that is built on it. Made for a physical drive that is used as
+// a member, with the first logical drive that names it; owned by the collection, used under the provider's lock.
 #pragma once
 
 #include "associations/CIM_Dependency.h"

@@ -38,7 +38,7 @@ CmpiInstance KDV_SASDAPort::getInstance()
     row.string("SystemCreationClassName", arraySystemClass);
     row.string("SystemName", _hba->name);
     row.uint16("UsageRestriction", 2); // Front-end only
-    row.uint16("PortType", 82);        // Direct Attached: a value of this vendor
+    row.uint16("PortType", 82);        // a number of this model: the schema reserves it and gives it no name
     return row.instance();
 }
 

@@ -1,4 +1,4 @@
-// The port of a host bus adapter that its disks are attached to directly. Made by population and owned by the
+// The port through which the host reaches the disks of a host bus adapter. Made by population and owned by the
 // collection; reads its record under the provider's lock at each call.
 #pragma once
 

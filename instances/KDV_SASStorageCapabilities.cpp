@@ -35,7 +35,8 @@ std::string instanceId(std::uint32_t poolKind, std::uint32_t hbaNumber)
     }
 }
 
-// A single member drive cannot be mirrored. No member at all counts as mirroring on purpose: two can still be added.
+// Exactly one member drive offers no redundancy; any other number, none included, offers mirroring. On purpose: clients
+// read the capabilities of an empty pool so.
 const Redundancy& redundancyOf(std::uint32_t poolKind, const SasHbaRecord& hba)
 {
     if (poolKind == primordialPoolNoRaid)
