@@ -5,9 +5,14 @@
 #include "sashba/scenario/JsonTree.h"
 #include "sashba/scenario/ScenarioSource.h"
 #include "sashba/scenario/WatchedFile.h"
+#include "sashba/sysfs/CapturedDevice.h"
+#include "sashba/sysfs/PassRequest.h"
+#include "sashba/sysfs/SgDevice.h"
 #include "sashba/sysfs/SysfsSource.h"
 
 #include <cerrno>
+#include <chrono>
+#include <cstdint>
 #include <cstdlib>
 #include <memory_resource>
 #include <string_view>
@@ -24,31 +29,57 @@ std::string environment(const char* name)
     return value ? value : "";
 }
 
-// The scenario's path as the text of a configuration file names it; empty when it names none.
-std::string scenarioNamedBy(std::string_view text, Problems& problems)
+// What the configuration file settles.
+struct Configuration {
+    std::string scenario; // path; empty for the running machine
+    SysfsSettings live;
+};
+
+void readSeconds(const JsonMember& member, std::chrono::milliseconds& value, Problems& problems)
+{
+    constexpr std::uint64_t most = 86400;
+    std::uint64_t seconds = 0;
+    const std::string place = "/" + std::string(member.name);
+    if (!FieldReader(problems).readNumber(member.node, place, most, seconds))
+        return;
+    if (seconds == 0)
+        problems.add(place, "expected at least 1 second");
+    value = std::chrono::seconds(seconds);
+}
+
+void readMember(const JsonMember& member, Configuration& configuration, Problems& problems)
+{
+    if (member.name == "diskPollSeconds")
+        readSeconds(member, configuration.live.asking.diskInterval, problems);
+    else if (member.name == "boxPollSeconds")
+        readSeconds(member, configuration.live.asking.boxInterval, problems);
+    else if (member.name == "deviceDeadlineSeconds")
+        readSeconds(member, configuration.live.asking.deadline, problems);
+    else if (member.name != "scenario")
+        FieldReader(problems).refuseUnknown(
+            "", member.name, {"scenario", "diskPollSeconds", "boxPollSeconds", "deviceDeadlineSeconds"});
+    else if (member.node.text() && !member.node.text()->empty())
+        configuration.scenario = *member.node.text();
+    else
+        problems.add("/scenario", "expected the path of a scenario file, found " + member.node.description());
+}
+
+void readText(std::string_view text, Configuration& configuration, Problems& problems)
 {
     std::pmr::monotonic_buffer_resource memory;
     JsonNode root;
     if (!parseJson(text, memory, root, problems))
-        return {};
+        return;
     if (!root.object()) {
         problems.add("", "expected an object, found " + root.description());
-        return {};
+        return;
     }
-    std::string path;
-    for (const JsonMember& member : *root.object()) {
-        if (member.name != "scenario")
-            FieldReader(problems).refuseUnknown("", member.name, {"scenario"});
-        else if (member.node.text() && !member.node.text()->empty())
-            path = *member.node.text();
-        else
-            problems.add("/scenario", "expected the path of a scenario file, found " + member.node.description());
-    }
-    return path;
+    for (const JsonMember& member : *root.object())
+        readMember(member, configuration, problems);
 }
 
 // False when there is a configuration file that cannot be used.
-bool readConfiguration(const std::string& directory, const Logger& log, std::string& scenario)
+bool readConfiguration(const std::string& directory, const Logger& log, Configuration& configuration)
 {
     const std::string path = directory + "KDVSasHbaMRA.json";
     if (access(path.c_str(), F_OK) != 0 && errno == ENOENT)
@@ -59,13 +90,13 @@ bool readConfiguration(const std::string& directory, const Logger& log, std::str
         return false;
     }
     Problems problems;
-    scenario = scenarioNamedBy(file.text(), problems);
+    readText(file.text(), configuration, problems);
     if (!problems.empty()) {
         log.error("configuration %s is not usable: %s", path.c_str(), problems.text().c_str());
         return false;
     }
-    if (!scenario.empty() && scenario.front() != '/')
-        scenario.insert(0, directory);
+    if (!configuration.scenario.empty() && configuration.scenario.front() != '/')
+        configuration.scenario.insert(0, directory);
     return true;
 }
 
@@ -77,15 +108,18 @@ ScenarioSurroundings surroundingsWith(const Logger& log)
     return surroundings;
 }
 
-std::unique_ptr<Source> runningMachine(const Logger& log)
+// A captured tree has its devices' pages beside it; the nodes of this machine are not those of its disks.
+std::unique_ptr<Source> runningMachine(const SysfsSettings& settings, const Logger& log)
 {
-    std::string root = environment("KDV_SYSFS_ROOT");
-    if (root.empty())
-        root = "/sys";
+    const std::string given = environment("KDV_SYSFS_ROOT");
+    const bool captured = !given.empty() && given != "/sys" && given != "/sys/";
     SysfsSurroundings surroundings;
     surroundings.reportError = [log](const std::string& text) { log.error("%s", text.c_str()); };
     surroundings.reportInfo = [log](const std::string& text) { log.info("%s", text.c_str()); };
-    return std::make_unique<SysfsSource>(root, std::move(surroundings));
+    surroundings.requestPass = requestPassIfPossible;
+    surroundings.opener = captured ? makeCaptureOpener(given) : makeSgOpener();
+    surroundings.listenToPlugs = !captured;
+    return std::make_unique<SysfsSource>(captured ? given : "/sys", settings, std::move(surroundings));
 }
 
 } // namespace
@@ -102,13 +136,15 @@ std::string configurationDirectory()
 
 std::unique_ptr<Source> chooseSource(const Logger& log)
 {
-    std::string scenario = environment("KDV_SAS_SCENARIO");
-    const std::string directory = configurationDirectory();
-    if (scenario.empty() && !readConfiguration(directory, log, scenario))
+    Configuration configuration;
+    const std::string scenario = environment("KDV_SAS_SCENARIO");
+    if (!scenario.empty())
+        return std::make_unique<ScenarioSource>(scenario, surroundingsWith(log));
+    if (!readConfiguration(configurationDirectory(), log, configuration))
         return nullptr;
-    if (scenario.empty())
-        return runningMachine(log);
-    return std::make_unique<ScenarioSource>(scenario, surroundingsWith(log));
+    if (!configuration.scenario.empty())
+        return std::make_unique<ScenarioSource>(configuration.scenario, surroundingsWith(log));
+    return runningMachine(configuration.live, log);
 }
 
 } // namespace KDV

@@ -115,7 +115,7 @@ void SysfsScan::readExpanders(LiveMachine& machine) const
         if (split.expander.empty() || !host || hosts.count(*host) == 0)
             continue;
         LiveExpander expander;
-        expander.path = split.expander;
+        expander.path = parentOf(parentOf(attributes));
         expander.host = *host;
         expander.hbaPort = split.hbaPort;
         expander.vendor = _tree.text(attributes + "/vendor_id");

@@ -27,6 +27,7 @@ protected:
         setenv("KDV_CONFIG_DIR", folder.c_str(), 1);
         setenv("KDV_LOG", ("file:" + file("log")).c_str(), 1);
         unsetenv("KDV_SAS_SCENARIO");
+        setenv("KDV_SYSFS_ROOT", folder.c_str(), 1); // a machine without an adapter, whatever this one has
     }
     void TearDown() override { std::filesystem::remove_all(folder); }
 
