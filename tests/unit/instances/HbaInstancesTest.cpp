@@ -74,10 +74,10 @@ TEST_F(HbaInstances, HaveTheLocalHostNameOfTheMomentAsHostOfTheirPath)
 
 TEST_F(HbaInstances, KeepTheirOwnCopyOfTheNamespace)
 {
-    std::string nameSpace = "root/vnr";
+    std::string nameSpace = "Root/VNR";
     const KDV_SASArraySystem system(logger, nameSpace, hba);
     nameSpace = "other";
-    EXPECT_EQ(system.getPath().getNameSpace(), "root/vnr");
+    EXPECT_EQ(system.getPath().getNameSpace(), "Root/VNR");
 }
 
 TEST_F(HbaInstances, OfferNoRedundancyFromASingleMemberDriveAndMirroringFromTwoOrNone)

@@ -50,10 +50,10 @@ TEST_P(KDV_AutoStart, NamesTheLocalHostAndHasOnlyTheProviderNameAsKey)
 
 TEST_P(KDV_AutoStart, PublishesTheNamespaceThatItWasGiven)
 {
-    KDV_AutoStartSASHBA worker(Logger("KDVSASHBA:4711"), "root/vnr");
+    KDV_AutoStartSASHBA worker(Logger("KDVSASHBA:4711"), "Root/VNR");
     const CmpiCpp::CmpiInstance instance = worker.getInstance();
     EXPECT_EQ(collect(*static_cast<const InstanceObject*>(instance.raw())).value("WorkerMethodNameSpace"),
-              "\"root/vnr\"");
+              "\"Root/VNR\"");
 }
 
 TEST_P(KDV_AutoStart, LogsItsLifeUnderTheProcessSource)
