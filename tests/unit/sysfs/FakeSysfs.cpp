@@ -4,6 +4,8 @@
 #include <fstream>
 #include <stdexcept>
 
+#include <unistd.h>
+
 namespace KDV {
 namespace fs = std::filesystem;
 
@@ -24,7 +26,8 @@ std::string vpdPage(unsigned char code, std::string_view body)
 
 FakeSysfs::FakeSysfs()
 {
-    std::string pattern = (fs::temp_directory_path() / "kdv-sysfs-XXXXXX").string();
+    const bool inMemory = access("/dev/shm", W_OK) == 0; // thousands of small files
+    std::string pattern = ((inMemory ? fs::path("/dev/shm") : fs::temp_directory_path()) / "kdv-sysfs-XXXXXX").string();
     if (!mkdtemp(pattern.data()))
         throw std::runtime_error("no folder for a tree");
     _folder = pattern;
