@@ -55,10 +55,12 @@ __attribute__((visibility("default"))) void UpdateSasData(KDV::SasDataRoot* root
     if (!root)
         return;
     guarded("UpdateSasData", [root](const Logger&) {
-        if (KDV::Session* session = KDV::Session::of(root)) {
-            session->refresh();
-            storeHead(root, *session);
-        }
+        KDV::Session* session = KDV::Session::of(root);
+        // Another head than ours: a new root where an old one lay, without lists yet.
+        if (!session || root->hbas.get() != session->head())
+            return;
+        session->refresh();
+        storeHead(root, *session);
     });
 }
 }

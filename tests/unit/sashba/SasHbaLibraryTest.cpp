@@ -26,6 +26,7 @@ protected:
         folder = pattern;
         setenv("KDV_CONFIG_DIR", folder.c_str(), 1);
         setenv("KDV_LOG", ("file:" + file("log")).c_str(), 1);
+        setenv("KDV_SYSFS_ROOT", folder.c_str(), 1); // not the machine that the test runs on
         unsetenv("KDV_SAS_SCENARIO");
         setenv("KDV_SYSFS_ROOT", folder.c_str(), 1); // a machine without an adapter, whatever this one has
     }
@@ -167,6 +168,18 @@ TEST_F(SasHbaLibrary, AnswersANullOrUnknownRootWithNothing)
     SasDataRoot never{};
     UpdateSasData(&never);
     EXPECT_FALSE(never.hbas);
+}
+
+TEST_F(SasHbaLibrary, TakesANewRootAtAnOldAddressForOneWithoutLists)
+{
+    write("a.json", machine("A", 1));
+    choose("a.json");
+    SasDataRoot root{};
+    CreateSasLists(&root);
+    ASSERT_TRUE(root.hbas);
+    root = SasDataRoot{};
+    UpdateSasData(&root);
+    EXPECT_FALSE(root.hbas);
 }
 
 TEST_F(SasHbaLibrary, ShowsItsTwoFunctionsUnderThePlainName)
