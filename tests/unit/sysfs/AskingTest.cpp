@@ -7,6 +7,7 @@
 
 #include <atomic>
 #include <condition_variable>
+#include <functional>
 #include <set>
 #include <thread>
 
@@ -97,7 +98,6 @@ bool refreshUntil(LiveRecords& records, const std::function<bool()>& holds)
         records.refresh();
         if (holds())
             return true;
-        std::this_thread::yield();
         std::mutex lock;
         std::unique_lock<std::mutex> guard(lock);
         std::condition_variable nobody;
