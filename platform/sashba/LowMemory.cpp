@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstdint>
 #include <new>
-
 #include <sys/mman.h>
 
 namespace KDV {
@@ -20,10 +19,8 @@ bool liesBelow4GiB(const void* start, std::size_t bytes)
 void* mapAt(void* hint, std::size_t bytes, int extraFlags)
 {
     void* block = mmap(hint, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | extraFlags, -1, 0);
-    if (block == MAP_FAILED)
-        return nullptr;
-    if (liesBelow4GiB(block, bytes))
-        return block;
+    if (block == MAP_FAILED) return nullptr;
+    if (liesBelow4GiB(block, bytes)) return block;
     munmap(block, bytes);
     return nullptr;
 }
@@ -35,8 +32,7 @@ void* searchByHints(std::size_t bytes)
     constexpr std::uint64_t last = 0xF0000000;
     constexpr std::uint64_t step = 0x1000000;
     for (std::uint64_t hint = first; hint < last; hint += step) {
-        if (void* block = mapAt(reinterpret_cast<void*>(static_cast<std::uintptr_t>(hint)), bytes, 0))
-            return block;
+        if (void* block = mapAt(reinterpret_cast<void*>(static_cast<std::uintptr_t>(hint)), bytes, 0)) return block;
     }
     return nullptr;
 }
@@ -44,8 +40,7 @@ void* searchByHints(std::size_t bytes)
 void* mapLow(std::size_t bytes)
 {
 #ifdef MAP_32BIT
-    if (void* block = mapAt(nullptr, bytes, MAP_32BIT))
-        return block;
+    if (void* block = mapAt(nullptr, bytes, MAP_32BIT)) return block;
 #endif
     return searchByHints(bytes);
 }
@@ -61,8 +56,7 @@ LowMemory::~LowMemory()
 void* LowMemory::allocate(std::size_t bytes)
 {
     const std::size_t rounded = (bytes + alignment - 1) / alignment * alignment;
-    if (rounded > _left)
-        addBlock(rounded);
+    if (rounded > _left) addBlock(rounded);
     void* piece = _free;
     _free += rounded;
     _left -= rounded;
@@ -74,8 +68,7 @@ void LowMemory::addBlock(std::size_t atLeast)
     const std::size_t bytes = std::max(_nextBlock, (atLeast + 0xFFFF) & ~std::size_t{0xFFFF});
     _blocks.reserve(_blocks.size() + 1);
     void* block = mapLow(bytes);
-    if (!block)
-        throw std::bad_alloc();
+    if (!block) throw std::bad_alloc();
     _blocks.push_back({static_cast<char*>(block), bytes});
     _free = static_cast<char*>(block);
     _left = bytes;

@@ -21,8 +21,7 @@ Record* chain(const std::vector<StoredRecord<Record>*>& list)
 {
     Record* next = nullptr;
     for (auto it = list.rbegin(); it != list.rend(); ++it) {
-        if (!(*it)->linked)
-            continue;
+        if (!(*it)->linked) continue;
         (*it)->record->next = linkTo(next);
         next = (*it)->record;
     }
@@ -39,8 +38,7 @@ void unlink(StoredRecord<Record>& stored)
 template <class Record>
 void link(StoredRecord<Record>& stored, const Record& image)
 {
-    if (!stored.linked)
-        std::memset(stored.record, 0, sizeof(Record));
+    if (!stored.linked) std::memset(stored.record, 0, sizeof(Record));
     copyKeeping(*stored.record, image);
     stored.linked = true;
 }
@@ -62,8 +60,7 @@ template <class Record>
 void unlinkUntaken(const std::vector<StoredRecord<Record>*>& list, std::uint64_t machineNumber)
 {
     for (StoredRecord<Record>* stored : list) {
-        if (stored->linked && stored->lastTakenBy != machineNumber)
-            unlink(*stored);
+        if (stored->linked && stored->lastTakenBy != machineNumber) unlink(*stored);
     }
 }
 
@@ -132,13 +129,16 @@ void RecordTree::write(const ElementPosition& position, const RecordPatch& patch
 {
     const HbaNode& node = _nodes[position.hba];
     switch (position.kind) {
-    case ElementKind::Hba: return applyPatch(*node.hba->record, patch);
+    case ElementKind::Hba:
+        return applyPatch(*node.hba->record, patch);
     case ElementKind::PhysicalDrive:
         if (node.physicalDrives[position.element]->linked) // a pulled drive stays as it was last
             applyPatch(*node.physicalDrives[position.element]->record, patch);
         return;
-    case ElementKind::LogicalDrive: return applyPatch(*node.logicalDrives[position.element]->record, patch);
-    case ElementKind::StorageBox: return applyPatch(*node.storageBoxes[position.element]->record, patch);
+    case ElementKind::LogicalDrive:
+        return applyPatch(*node.logicalDrives[position.element]->record, patch);
+    case ElementKind::StorageBox:
+        return applyPatch(*node.storageBoxes[position.element]->record, patch);
     }
 }
 
@@ -146,8 +146,7 @@ void RecordTree::pullDrive(const ElementPosition& position)
 {
     HbaNode& node = _nodes[position.hba];
     StoredRecord<SasPhysicalDriveRecord>& drive = *node.physicalDrives[position.element];
-    if (!drive.linked)
-        return;
+    if (!drive.linked) return;
     unlink(drive);
     node.hba->record->physicalDrives = linkTo(chain(node.physicalDrives));
 }
@@ -156,8 +155,7 @@ void RecordTree::insertDrive(const ElementPosition& position, const SasPhysicalD
 {
     HbaNode& node = _nodes[position.hba];
     StoredRecord<SasPhysicalDriveRecord>& drive = *node.physicalDrives[position.element];
-    if (drive.linked)
-        return;
+    if (drive.linked) return;
     link(drive, image);
     node.hba->record->physicalDrives = linkTo(chain(node.physicalDrives));
 }

@@ -26,8 +26,7 @@ Session& Session::createFor(const SasDataRoot* root)
     Sessions& all = sessions();
     const std::lock_guard<std::mutex> guard(all.lock);
     std::unique_ptr<Session>& session = all.byRoot[root];
-    if (!session)
-        session = std::make_unique<Session>();
+    if (!session) session = std::make_unique<Session>();
     return *session;
 }
 
@@ -43,14 +42,12 @@ void Session::begin(std::unique_ptr<Source> source)
 {
     _tree.take({});
     _source = std::move(source);
-    if (_source)
-        _source->load(_tree);
+    if (_source) _source->load(_tree);
 }
 
 void Session::refresh()
 {
-    if (_source)
-        _source->refresh(_tree);
+    if (_source) _source->refresh(_tree);
 }
 
 } // namespace KDV

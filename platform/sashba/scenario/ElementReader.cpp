@@ -11,8 +11,7 @@ void storeField(ElementKind kind, std::string_view name, std::uint64_t number, u
 {
     const FieldRow* row = fieldNamed(kind, name);
     storeNumber(record + row->offset, row->bytes, number);
-    if (written)
-        written->push_back({row->offset, row->bytes});
+    if (written) written->push_back({row->offset, row->bytes});
 }
 
 void copyLocation(unsigned char* record)
@@ -26,8 +25,8 @@ void copyLocation(unsigned char* record)
 
 } // namespace
 
-bool ElementReader::readWhole(const JsonNode& node, const std::string& place, ElementKind kind,
-                              std::uint32_t hbaNumber, unsigned char* record, std::uint32_t& number)
+bool ElementReader::readWhole(const JsonNode& node, const std::string& place, ElementKind kind, std::uint32_t hbaNumber,
+                              unsigned char* record, std::uint32_t& number)
 {
     FieldReader::writeDefaults(kind, record);
     storeField(kind, "hbaNumber", hbaNumber, record, nullptr);
@@ -39,8 +38,7 @@ bool ElementReader::readWhole(const JsonNode& node, const std::string& place, El
     case ElementKind::PhysicalDrive:
         _fields.readFields(node, place, kind, {"boxNumber", "duplicateNumber"}, record);
         deriveBoxIdentifier(node, place, record, nullptr);
-        if (!node.member("hotPlugLocation"))
-            copyLocation(record);
+        if (!node.member("hotPlugLocation")) copyLocation(record);
         break;
     case ElementKind::LogicalDrive:
         _fields.readFields(node, place, kind, {"duplicateNumber"}, record);
@@ -71,8 +69,7 @@ RecordPatch ElementReader::readChange(const JsonNode& node, const std::string& p
         deriveBoxIdentifier(node, place, patch.image.data(), &patch.ranges);
     } else {
         _fields.readFields(node, place, kind, {}, patch.image.data(), &patch.ranges);
-        if (kind == ElementKind::LogicalDrive)
-            deriveCounts(node, patch.image.data(), &patch.ranges);
+        if (kind == ElementKind::LogicalDrive) deriveCounts(node, patch.image.data(), &patch.ranges);
     }
     return patch;
 }
@@ -92,8 +89,7 @@ void ElementReader::deriveBoxIdentifier(const JsonNode& node, const std::string&
                                         Ranges* written)
 {
     const JsonNode* box = node.member("boxNumber");
-    if (!box)
-        return;
+    if (!box) return;
     if (node.member("boxIdentifier")) {
         _problems.add(childPlace(place, "boxNumber"), "expected either \"boxNumber\" or \"boxIdentifier\", found both");
         return;
@@ -106,10 +102,8 @@ void ElementReader::deriveBoxIdentifier(const JsonNode& node, const std::string&
 bool ElementReader::readFlag(const JsonNode& object, const std::string& place, std::string_view name, bool otherwise)
 {
     const JsonNode* node = object.member(name);
-    if (!node)
-        return otherwise;
-    if (const bool* flag = std::get_if<bool>(&node->value))
-        return *flag;
+    if (!node) return otherwise;
+    if (const bool* flag = std::get_if<bool>(&node->value)) return *flag;
     _problems.add(childPlace(place, name), "expected true or false, found " + node->description());
     return otherwise;
 }

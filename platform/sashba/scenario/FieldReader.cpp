@@ -32,8 +32,7 @@ void FieldReader::readFields(const JsonNode& object, const std::string& place, E
     }
     for (const JsonMember& member : *object.object()) {
         const std::string_view name = member.name;
-        if (std::find(others.begin(), others.end(), name) != others.end())
-            continue;
+        if (std::find(others.begin(), others.end(), name) != others.end()) continue;
         const FieldRow* row = fieldNamed(kind, name);
         if (!row) {
             std::vector<std::string_view> known(others);
@@ -50,8 +49,7 @@ void FieldReader::refuseUnknown(const std::string& place, std::string_view name,
 {
     const std::string_view near = nearestOf(name, known);
     std::string message = "expected a known field";
-    if (!near.empty())
-        message += ", probably " + inQuotes(near);
+    if (!near.empty()) message += ", probably " + inQuotes(near);
     _problems.add(childPlace(place, name), message);
 }
 
@@ -66,20 +64,25 @@ bool FieldReader::readField(const JsonNode& node, const std::string& place, cons
 {
     unsigned char* at = record + row.offset;
     switch (row.form) {
-    case FieldForm::Text: return readText(node, place, row, at);
-    case FieldForm::Code: return readCode(node, place, row, at);
-    case FieldForm::Number: return readUnsigned(node, place, row, at);
-    case FieldForm::SignedNumber: return readSigned(node, childPlace(place, row.name), at);
-    case FieldForm::DriveNumber: return readDriveNumber(node, place, row, at);
-    case FieldForm::DriveNumbers: return readDriveNumbers(node, childPlace(place, row.name), row, at);
+    case FieldForm::Text:
+        return readText(node, place, row, at);
+    case FieldForm::Code:
+        return readCode(node, place, row, at);
+    case FieldForm::Number:
+        return readUnsigned(node, place, row, at);
+    case FieldForm::SignedNumber:
+        return readSigned(node, childPlace(place, row.name), at);
+    case FieldForm::DriveNumber:
+        return readDriveNumber(node, place, row, at);
+    case FieldForm::DriveNumbers:
+        return readDriveNumbers(node, childPlace(place, row.name), row, at);
     }
     return false;
 }
 
 bool FieldReader::readText(const JsonNode& node, const std::string& place, const FieldRow& row, unsigned char* at)
 {
-    if (!node.text())
-        return expected(childPlace(place, row.name), "a text", node);
+    if (!node.text()) return expected(childPlace(place, row.name), "a text", node);
     const std::string text = printableText(*node.text(), row.bytes - 1);
     std::memset(at, 0, row.bytes);
     std::memcpy(at, text.data(), text.size());
@@ -121,8 +124,7 @@ bool FieldReader::readSigned(const JsonNode& node, const std::string& place, uns
 bool FieldReader::readNumber(const JsonNode& node, const std::string& place, std::uint64_t most, std::uint64_t& number)
 {
     const auto* found = std::get_if<std::uint64_t>(&node.value);
-    if (!found || *found > most)
-        return expected(place, "a whole number from 0 to " + std::to_string(most), node);
+    if (!found || *found > most) return expected(place, "a whole number from 0 to " + std::to_string(most), node);
     number = *found;
     return true;
 }
@@ -144,8 +146,7 @@ bool FieldReader::readDriveNumber(const JsonNode& node, const std::string& place
         storeNumber(at, row.bytes, row.otherwise);
         return true;
     }
-    if (node.text())
-        return expected(childPlace(place, row.name), "a drive number or \"none\"", node);
+    if (node.text()) return expected(childPlace(place, row.name), "a drive number or \"none\"", node);
     return readUnsigned(node, place, row, at);
 }
 
@@ -154,8 +155,7 @@ bool FieldReader::readDriveNumbers(const JsonNode& node, const std::string& plac
 {
     const std::size_t most = row.bytes / 4;
     const JsonNode::Array* items = node.array();
-    if (!items)
-        return expected(place, "an array of drive numbers", node);
+    if (!items) return expected(place, "an array of drive numbers", node);
     if (items->size() > most) {
         _problems.add(place, "expected at most " + std::to_string(most) + " drive numbers, found " +
                                  std::to_string(items->size()));

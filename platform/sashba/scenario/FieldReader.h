@@ -1,6 +1,6 @@
-// One element of a scenario, from its JSON object to the bytes of its record. Values that do not fit, words that a field
-// does not know and fields that there are not become problems with their place; the bytes of such a field stay as they
-// were.
+// One element of a scenario, from its JSON object to the bytes of its record. Values that do not fit, words that a
+// field does not know and fields that there are not become problems with their place; the bytes of such a field stay as
+// they were.
 #pragma once
 
 #include "sashba/scenario/FieldTables.h"
@@ -21,7 +21,8 @@ public:
     // Fills the record's bytes with what a file that says nothing means.
     static void writeDefaults(ElementKind kind, unsigned char* record);
 
-    // Writes the named fields. Members listed in `others` belong to the caller. `written` receives the ranges, if given.
+    // Writes the named fields. Members listed in `others` belong to the caller. `written` receives the ranges, if
+    // given.
     void readFields(const JsonNode& object, const std::string& place, ElementKind kind,
                     std::initializer_list<std::string_view> others, unsigned char* record,
                     std::vector<RecordPatch::Range>* written = nullptr);

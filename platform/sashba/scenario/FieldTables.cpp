@@ -27,8 +27,8 @@ constexpr CodeWord interfaceWords[] = {{"unknown", 0}, {"SATA", 1}, {"SAS", 2}};
 constexpr CodeWord mediaWords[] = {{"unknown", 0}, {"solidState", 3}};
 constexpr CodeWord carrierWords[] = {{"noCarrier", 2}};
 
-constexpr CodeWord raidWords[] = {
-    {"none", 0}, {"RAID 0", 2}, {"RAID 1", 3}, {"RAID 0+1", 4}, {"RAID 5", 5}, {"RAID 1+5", 6}};
+constexpr CodeWord raidWords[] = {{"none", 0},     {"RAID 0", 2}, {"RAID 1", 3},
+                                  {"RAID 0+1", 4}, {"RAID 5", 5}, {"RAID 1+5", 6}};
 constexpr CodeWord redundancyWords[] = {
     {"unknown", 0}, {"ok", 2}, {"redundancyLost", 3}, {"rebuilding", 4}, {"failed", 5}};
 
@@ -45,12 +45,9 @@ constexpr std::uint32_t noDrive = 0xFFFFFFFF;
 
 // One row of a table; Record is the record of the table it stands in. The size is that of the field itself.
 #define KDV_ROW(field, form, words, otherwise)                                                                         \
-    FieldRow                                                                                                           \
-    {                                                                                                                  \
-        #field, FieldForm::form, offsetof(Record, field), sizeof(Record::field), words, otherwise                      \
-    }
-#define KDV_TEXT(field) KDV_ROW(field, Text, {}, 0)
-#define KDV_NUMBER(field) KDV_ROW(field, Number, {}, 0)
+    FieldRow { #field, FieldForm::form, offsetof(Record, field), sizeof(Record::field), words, otherwise }
+#define KDV_TEXT(field)                   KDV_ROW(field, Text, {}, 0)
+#define KDV_NUMBER(field)                 KDV_ROW(field, Number, {}, 0)
 #define KDV_CODE(field, words, otherwise) KDV_ROW(field, Code, spanOf(words), otherwise)
 
 namespace {
@@ -158,10 +155,14 @@ constexpr Span<FieldRow> spanOf(const FieldRow (&rows)[count])
 Span<FieldRow> fieldsOf(ElementKind kind)
 {
     switch (kind) {
-    case ElementKind::Hba: return spanOf(HbaFields::rows);
-    case ElementKind::PhysicalDrive: return spanOf(PhysicalDriveFields::rows);
-    case ElementKind::LogicalDrive: return spanOf(LogicalDriveFields::rows);
-    case ElementKind::StorageBox: return spanOf(StorageBoxFields::rows);
+    case ElementKind::Hba:
+        return spanOf(HbaFields::rows);
+    case ElementKind::PhysicalDrive:
+        return spanOf(PhysicalDriveFields::rows);
+    case ElementKind::LogicalDrive:
+        return spanOf(LogicalDriveFields::rows);
+    case ElementKind::StorageBox:
+        return spanOf(StorageBoxFields::rows);
     }
     return {};
 }
@@ -169,10 +170,14 @@ Span<FieldRow> fieldsOf(ElementKind kind)
 std::size_t recordBytes(ElementKind kind)
 {
     switch (kind) {
-    case ElementKind::Hba: return sizeof(SasHbaRecord);
-    case ElementKind::PhysicalDrive: return sizeof(SasPhysicalDriveRecord);
-    case ElementKind::LogicalDrive: return sizeof(SasLogicalDriveRecord);
-    case ElementKind::StorageBox: return sizeof(SasStorageBoxRecord);
+    case ElementKind::Hba:
+        return sizeof(SasHbaRecord);
+    case ElementKind::PhysicalDrive:
+        return sizeof(SasPhysicalDriveRecord);
+    case ElementKind::LogicalDrive:
+        return sizeof(SasLogicalDriveRecord);
+    case ElementKind::StorageBox:
+        return sizeof(SasStorageBoxRecord);
     }
     return 0;
 }
@@ -188,10 +193,14 @@ const FieldRow* fieldNamed(ElementKind kind, std::string_view name)
 std::string_view numberField(ElementKind kind)
 {
     switch (kind) {
-    case ElementKind::Hba: return "hbaNumber";
-    case ElementKind::PhysicalDrive: return "driveNumber";
-    case ElementKind::LogicalDrive: return "logicalDriveNumber";
-    case ElementKind::StorageBox: return "boxNumber";
+    case ElementKind::Hba:
+        return "hbaNumber";
+    case ElementKind::PhysicalDrive:
+        return "driveNumber";
+    case ElementKind::LogicalDrive:
+        return "logicalDriveNumber";
+    case ElementKind::StorageBox:
+        return "boxNumber";
     }
     return {};
 }

@@ -11,8 +11,7 @@ namespace KDV {
 const JsonNode* JsonNode::member(std::string_view name) const noexcept
 {
     const Object* members = object();
-    if (!members)
-        return nullptr;
+    if (!members) return nullptr;
     const auto found = std::find_if(members->begin(), members->end(),
                                     [name](const JsonMember& one) { return std::string_view(one.name) == name; });
     return found == members->end() ? nullptr : &found->node;
@@ -20,18 +19,12 @@ const JsonNode* JsonNode::member(std::string_view name) const noexcept
 
 std::string JsonNode::description() const
 {
-    if (const auto* flag = std::get_if<bool>(&value))
-        return *flag ? "true" : "false";
-    if (const auto* number = std::get_if<std::uint64_t>(&value))
-        return "the number " + std::to_string(*number);
-    if (const auto* negative = std::get_if<std::int64_t>(&value))
-        return "the number " + std::to_string(*negative);
-    if (const auto* real = std::get_if<double>(&value))
-        return "the number " + nlohmann::json(*real).dump();
-    if (const auto* words = text())
-        return "the text " + inQuotes(*words);
-    if (array())
-        return "an array";
+    if (const auto* flag = std::get_if<bool>(&value)) return *flag ? "true" : "false";
+    if (const auto* number = std::get_if<std::uint64_t>(&value)) return "the number " + std::to_string(*number);
+    if (const auto* negative = std::get_if<std::int64_t>(&value)) return "the number " + std::to_string(*negative);
+    if (const auto* real = std::get_if<double>(&value)) return "the number " + nlohmann::json(*real).dump();
+    if (const auto* words = text()) return "the text " + inQuotes(*words);
+    if (array()) return "an array";
     return object() ? "an object" : "null";
 }
 
@@ -43,8 +36,7 @@ class TreeBuilder final : public nlohmann::json_sax<nlohmann::json> {
 public:
     TreeBuilder(std::string_view text, std::pmr::memory_resource& memory, JsonNode& root, Problems& problems)
         : _text(text), _memory(memory), _root(root), _problems(problems)
-    {
-    }
+    {}
 
     bool null() override { return put(std::monostate()); }
     bool boolean(bool flag) override { return put(flag); }
@@ -123,10 +115,8 @@ private:
     // Where the next value goes: the root, a new array element, or the member just named.
     JsonNode& place()
     {
-        if (_open.empty())
-            return _root;
-        if (auto* items = std::get_if<JsonNode::Array>(&_open.back()->value))
-            return items->emplace_back();
+        if (_open.empty()) return _root;
+        if (auto* items = std::get_if<JsonNode::Array>(&_open.back()->value)) return items->emplace_back();
         return std::get<JsonNode::Object>(_open.back()->value).back().node;
     }
 

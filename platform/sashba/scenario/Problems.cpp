@@ -19,8 +19,7 @@ std::string Problems::text() const
     std::string all;
     for (const std::string& one : _texts)
         all += (all.empty() ? "" : "; ") + one;
-    if (_count > _texts.size())
-        all += "; and " + std::to_string(_count - _texts.size()) + " more";
+    if (_count > _texts.size()) all += "; and " + std::to_string(_count - _texts.size()) + " more";
     return all;
 }
 
@@ -45,10 +44,7 @@ std::string childPlace(const std::string& place, std::string_view name)
     return child;
 }
 
-std::string childPlace(const std::string& place, std::size_t index)
-{
-    return place + '/' + std::to_string(index);
-}
+std::string childPlace(const std::string& place, std::size_t index) { return place + '/' + std::to_string(index); }
 
 namespace {
 
@@ -74,8 +70,7 @@ std::size_t editsBetween(std::string_view a, std::string_view b)
 std::string_view nearestOf(std::string_view word, const std::vector<std::string_view>& candidates)
 {
     std::string_view nearest;
-    if (word.size() > 40)
-        return nearest;
+    if (word.size() > 40) return nearest;
     std::size_t fewest = word.size() / 3 + 2;
     for (const std::string_view candidate : candidates) {
         const std::size_t edits = editsBetween(word, candidate);

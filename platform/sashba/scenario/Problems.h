@@ -1,5 +1,6 @@
-// What is wrong with a file: each problem names its place (a JSON pointer, or line and column where the text is no JSON)
-// and what was expected there. The list is bounded, so that a file that is wrong all over gives one readable message.
+// What is wrong with a file: each problem names its place (a JSON pointer, or line and column where the text is no
+// JSON) and what was expected there. The list is bounded, so that a file that is wrong all over gives one readable
+// message.
 #pragma once
 
 #include <cstddef>

@@ -16,10 +16,10 @@ enum class ChangeAction : std::uint8_t { Set, Pull, Insert };
 struct Change {
     ChangeAction action = ChangeAction::Set;
     ElementPosition position;
-    RecordPatch patch;             // of a set
+    RecordPatch patch;              // of a set
     SasPhysicalDriveRecord drive{}; // of an insert
-    std::string place;             // in the file, for the log
-    std::uint64_t due = 0;         // pass or milliseconds, by the track it stands in
+    std::string place;              // in the file, for the log
+    std::uint64_t due = 0;          // pass or milliseconds, by the track it stands in
 };
 
 // Changes on one measure of time, in the order in which they are due.

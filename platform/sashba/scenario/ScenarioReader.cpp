@@ -23,11 +23,9 @@ public:
             const JsonNode& node = (*hbas.array())[i];
             const std::string place = childPlace("/hbas", i);
             MachineHba& hba = machine.emplace_back();
-            if (readElement(node, place, ElementKind::Hba, 0, seen, hba.hba))
-                readChildren(node, place, hba);
+            if (readElement(node, place, ElementKind::Hba, 0, seen, hba.hba)) readChildren(node, place, hba);
         }
-        if (!withinLimit())
-            _problems.add("/hbas", "expected at most " + std::to_string(mostElements) + " elements");
+        if (!withinLimit()) _problems.add("/hbas", "expected at most " + std::to_string(mostElements) + " elements");
     }
 
 private:
@@ -46,8 +44,7 @@ private:
                   std::uint32_t hbaNumber, std::vector<Element<Record>>& list)
     {
         const JsonNode* node = hba.member(name);
-        if (!node)
-            return;
+        if (!node) return;
         const std::string place = childPlace(hbaPlace, name);
         if (!node->array()) {
             _problems.add(place, "expected an array, found " + node->description());
@@ -65,8 +62,7 @@ private:
     {
         ++_count;
         auto* bytes = reinterpret_cast<unsigned char*>(&element.image);
-        if (!_elements.readWhole(node, place, kind, hbaNumber, bytes, element.key.number))
-            return false;
+        if (!_elements.readWhole(node, place, kind, hbaNumber, bytes, element.key.number)) return false;
         const std::uint32_t before = seen[element.key.number]++;
         if (!_elements.readFlag(node, place, "duplicateNumber", false) && before > 0)
             _problems.add(childPlace(place, numberField(kind)),
@@ -114,12 +110,10 @@ std::optional<Scenario> readScenario(std::string_view text, Problems& problems)
 {
     std::pmr::monotonic_buffer_resource memory(text.size() + 4096);
     JsonNode root;
-    if (!parseJson(text, memory, root, problems))
-        return std::nullopt;
+    if (!parseJson(text, memory, root, problems)) return std::nullopt;
     Scenario scenario;
     readDocument(root, scenario, problems);
-    if (!problems.empty())
-        return std::nullopt;
+    if (!problems.empty()) return std::nullopt;
     return scenario;
 }
 

@@ -9,20 +9,15 @@ namespace KDV {
 
 ScenarioSource::ScenarioSource(std::string path, ScenarioSurroundings surroundings)
     : _file(std::move(path)), _surroundings(std::move(surroundings))
-{
-}
+{}
 
 ScenarioSource::~ScenarioSource() = default;
 
-void ScenarioSource::load(RecordTree& tree)
-{
-    takeUpFile(tree);
-}
+void ScenarioSource::load(RecordTree& tree) { takeUpFile(tree); }
 
 void ScenarioSource::refresh(RecordTree& tree)
 {
-    if (takeUpFile(tree) || !_playing)
-        return;
+    if (takeUpFile(tree) || !_playing) return;
     ++_pass;
     playDue(tree);
 }
@@ -31,9 +26,12 @@ void ScenarioSource::refresh(RecordTree& tree)
 bool ScenarioSource::takeUpFile(RecordTree& tree)
 {
     switch (_file.look()) {
-    case WatchedFile::Sight::Same: return false;
-    case WatchedFile::Sight::NewText: return begin(tree);
-    case WatchedFile::Sight::Unreadable: break;
+    case WatchedFile::Sight::Same:
+        return false;
+    case WatchedFile::Sight::NewText:
+        return begin(tree);
+    case WatchedFile::Sight::Unreadable:
+        break;
     }
     _surroundings.reportError("scenario " + _file.path() + ": expected a readable file: " + _file.trouble() +
                               (_playing ? "; the last good state stays" : "; no HBA"));
@@ -73,9 +71,12 @@ void ScenarioSource::play(const Change& change, RecordTree& tree)
 {
     _surroundings.reportInfo("pass " + std::to_string(_pass) + ": " + change.place);
     switch (change.action) {
-    case ChangeAction::Set: return tree.write(change.position, change.patch);
-    case ChangeAction::Pull: return tree.pullDrive(change.position);
-    case ChangeAction::Insert: return tree.insertDrive(change.position, change.drive);
+    case ChangeAction::Set:
+        return tree.write(change.position, change.patch);
+    case ChangeAction::Pull:
+        return tree.pullDrive(change.position);
+    case ChangeAction::Insert:
+        return tree.insertDrive(change.position, change.drive);
     }
 }
 

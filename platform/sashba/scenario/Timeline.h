@@ -23,8 +23,7 @@ public:
         for (;;) {
             while (_next < _track.changes.size() && _roundStart + _track.changes[_next].due <= now)
                 play(_track.changes[_next++]);
-            if (_track.round == 0 || _track.changes.empty() || now < _roundStart + _track.round)
-                return;
+            if (_track.round == 0 || _track.changes.empty() || now < _roundStart + _track.round) return;
             const std::uint64_t roundsOver = (now - _roundStart) / _track.round;
             _roundStart += (roundsOver > 1 ? roundsOver - 1 : 1) * _track.round;
             _next = 0;

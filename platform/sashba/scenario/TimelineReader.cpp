@@ -34,15 +34,13 @@ std::string namesOf(std::initializer_list<std::string_view> names)
 
 TimelineReader::TimelineReader(Problems& problems, Scenario& scenario)
     : _problems(problems), _scenario(scenario), _elements(problems), _fields(problems)
-{
-}
+{}
 
 void TimelineReader::read(const JsonNode& root)
 {
     readRounds(root.member("repeatEvery"));
     const JsonNode* timeline = root.member("timeline");
-    if (!timeline)
-        return;
+    if (!timeline) return;
     const JsonNode::Array* changes = timeline->array();
     if (!changes) {
         _problems.add("/timeline", "expected an array of changes, found " + timeline->description());
@@ -78,11 +76,10 @@ void TimelineReader::indexMachine()
 
 void TimelineReader::readRounds(const JsonNode* repeatEvery)
 {
-    if (!repeatEvery)
-        return;
+    if (!repeatEvery) return;
     if (!repeatEvery->object()) {
-        _problems.add("/repeatEvery", "expected an object with \"passes\" or \"seconds\" or both, found " +
-                                          repeatEvery->description());
+        _problems.add("/repeatEvery",
+                      "expected an object with \"passes\" or \"seconds\" or both, found " + repeatEvery->description());
         return;
     }
     for (const JsonMember& member : *repeatEvery->object()) {
@@ -116,8 +113,8 @@ void TimelineReader::readChange(const JsonNode& node, const std::string& place)
     }
     bool known = true;
     for (const JsonMember& member : *node.object()) {
-        const std::vector<std::string_view> names = {"atPass",       "afterSeconds", "hba",    "physicalDrive",
-                                                     "logicalDrive", "storageBox",   "set",    "pull",
+        const std::vector<std::string_view> names = {"atPass",       "afterSeconds", "hba",        "physicalDrive",
+                                                     "logicalDrive", "storageBox",   "set",        "pull",
                                                      "insert",       "occurrence",   "description"};
         if (std::find(names.begin(), names.end(), std::string_view(member.name)) == names.end()) {
             _fields.refuseUnknown(place, member.name, names);
@@ -128,8 +125,7 @@ void TimelineReader::readChange(const JsonNode& node, const std::string& place)
     change.place = place;
     Track* track = readDue(node, place, change);
     const bool readable = readAction(node, place, change);
-    if (track && readable && known)
-        track->changes.push_back(std::move(change));
+    if (track && readable && known) track->changes.push_back(std::move(change));
 }
 
 Track* TimelineReader::readDue(const JsonNode& node, const std::string& place, Change& change)
@@ -142,8 +138,7 @@ Track* TimelineReader::readDue(const JsonNode& node, const std::string& place, C
     }
     if (seconds)
         return readSeconds(*seconds, childPlace(place, "afterSeconds"), change.due) ? &_scenario.milliseconds : nullptr;
-    if (!_fields.readNumber(*pass, childPlace(place, "atPass"), mostPasses, change.due))
-        return nullptr;
+    if (!_fields.readNumber(*pass, childPlace(place, "atPass"), mostPasses, change.due)) return nullptr;
     if (change.due == 0) {
         _problems.add(childPlace(place, "atPass"), "expected at least 1: pass 0 is the machine as the file has it");
         return nullptr;
@@ -173,10 +168,8 @@ bool TimelineReader::readAction(const JsonNode& node, const std::string& place, 
         _problems.add(place, "expected exactly one of " + namesOf({"set", "pull", "insert"}));
         return false;
     }
-    if (!readHba(node, place, change))
-        return false;
-    if (node.member("set"))
-        return readSet(node, place, change);
+    if (!readHba(node, place, change)) return false;
+    if (node.member("set")) return readSet(node, place, change);
     for (const std::string_view name : {"physicalDrive", "logicalDrive", "storageBox"}) {
         if (node.member(name)) {
             _problems.add(childPlace(place, name), "expected only beside \"set\"");
@@ -194,8 +187,7 @@ bool TimelineReader::readHba(const JsonNode& node, const std::string& place, Cha
         return false;
     }
     std::uint64_t number = 0;
-    if (!_fields.readNumber(*hba, childPlace(place, "hba"), 0xFFFFFFFF, number))
-        return false;
+    if (!_fields.readNumber(*hba, childPlace(place, "hba"), 0xFFFFFFFF, number)) return false;
     const auto found = _positions.find(Target(ElementKind::Hba, 0, static_cast<std::uint32_t>(number), 0));
     if (found == _positions.end()) {
         _problems.add(childPlace(place, "hba"),
@@ -214,12 +206,11 @@ bool TimelineReader::readSet(const JsonNode& node, const std::string& place, Cha
     };
     int targets = 0;
     change.action = ChangeAction::Set;
-    for (const Named& named : {Named{"physicalDrive", ElementKind::PhysicalDrive},
-                               Named{"logicalDrive", ElementKind::LogicalDrive},
-                               Named{"storageBox", ElementKind::StorageBox}}) {
+    for (const Named& named :
+         {Named{"physicalDrive", ElementKind::PhysicalDrive}, Named{"logicalDrive", ElementKind::LogicalDrive},
+          Named{"storageBox", ElementKind::StorageBox}}) {
         const JsonNode* number = node.member(named.name);
-        if (!number)
-            continue;
+        if (!number) continue;
         if (++targets > 1) {
             _problems.add(place, "expected at most one of " + namesOf({"physicalDrive", "logicalDrive", "storageBox"}));
             return false;
@@ -241,11 +232,9 @@ bool TimelineReader::readSet(const JsonNode& node, const std::string& place, Cha
 bool TimelineReader::readOccurrence(const JsonNode& node, const std::string& place, std::uint32_t& occurrence)
 {
     const JsonNode* given = node.member("occurrence");
-    if (!given)
-        return true;
+    if (!given) return true;
     std::uint64_t number = 0;
-    if (!_fields.readNumber(*given, childPlace(place, "occurrence"), mostElements, number))
-        return false;
+    if (!_fields.readNumber(*given, childPlace(place, "occurrence"), mostElements, number)) return false;
     if (number == 0) {
         _problems.add(childPlace(place, "occurrence"), "expected at least 1, the first element with the number");
         return false;
@@ -258,8 +247,7 @@ bool TimelineReader::findTarget(const JsonNode& number, const std::string& place
                                 Change& change)
 {
     std::uint64_t wanted = 0;
-    if (!_fields.readNumber(number, place, 0xFFFFFFFF, wanted))
-        return false;
+    if (!_fields.readNumber(number, place, 0xFFFFFFFF, wanted)) return false;
     const auto found = _positions.find(
         Target(change.position.kind, change.position.hba, static_cast<std::uint32_t>(wanted), occurrence));
     if (found == _positions.end()) {
@@ -287,12 +275,10 @@ bool TimelineReader::readInsert(const JsonNode& node, const std::string& place, 
     std::uint32_t occurrence = 0;
     change.action = ChangeAction::Insert;
     change.position.kind = ElementKind::PhysicalDrive;
-    if (!readOccurrence(node, place, occurrence))
-        return false;
+    if (!readOccurrence(node, place, occurrence)) return false;
     MachineHba& hba = _scenario.machine[change.position.hba];
     if (!insert.object()) {
-        if (!findTarget(insert, insertPlace, occurrence, change))
-            return false;
+        if (!findTarget(insert, insertPlace, occurrence, change)) return false;
         change.drive = hba.physicalDrives[change.position.element].image;
         return true;
     }
@@ -304,8 +290,7 @@ bool TimelineReader::readInsert(const JsonNode& node, const std::string& place, 
     if (!_elements.readWhole(insert, insertPlace, ElementKind::PhysicalDrive, hba.hba.key.number,
                              reinterpret_cast<unsigned char*>(&change.drive), number))
         return false;
-    const auto found =
-        _positions.find(Target(ElementKind::PhysicalDrive, change.position.hba, number, occurrence));
+    const auto found = _positions.find(Target(ElementKind::PhysicalDrive, change.position.hba, number, occurrence));
     if (found != _positions.end()) {
         change.position.element = found->second;
     } else if (occurrence > 0) {

@@ -1,5 +1,5 @@
-// Reads "timeline" and "repeatEvery" of a scenario and resolves every target to its position in the machine. A drive that
-// only the timeline knows gets an absent place at the end of its HBA's drives, in the order of the timeline.
+// Reads "timeline" and "repeatEvery" of a scenario and resolves every target to its position in the machine. A drive
+// that only the timeline knows gets an absent place at the end of its HBA's drives, in the order of the timeline.
 #pragma once
 
 #include "sashba/scenario/ElementReader.h"
@@ -19,7 +19,8 @@ public:
     void read(const JsonNode& root);
 
 private:
-    using Target = std::tuple<ElementKind, std::uint32_t, std::uint32_t, std::uint32_t>; // kind, hba, number, occurrence
+    using Target =
+        std::tuple<ElementKind, std::uint32_t, std::uint32_t, std::uint32_t>; // kind, hba, number, occurrence
 
     void indexMachine();
     void readRounds(const JsonNode* repeatEvery);

@@ -3,14 +3,13 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <fcntl.h>
 #include <functional>
 #include <string_view>
 #include <system_error>
-#include <utility>
-
-#include <fcntl.h>
 #include <time.h>
 #include <unistd.h>
+#include <utility>
 
 namespace KDV {
 namespace {
@@ -18,12 +17,10 @@ namespace {
 class OpenFile {
 public:
     explicit OpenFile(const std::string& path) : _file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY))
-    {
-    }
+    {}
     ~OpenFile()
     {
-        if (_file >= 0)
-            close(_file);
+        if (_file >= 0) close(_file);
     }
     OpenFile(const OpenFile&) = delete;
     OpenFile& operator=(const OpenFile&) = delete;
@@ -34,15 +31,9 @@ private:
     int _file;
 };
 
-std::string errorText(int error)
-{
-    return std::generic_category().message(error);
-}
+std::string errorText(int error) { return std::generic_category().message(error); }
 
-bool sameTime(const timespec& a, const timespec& b)
-{
-    return a.tv_sec == b.tv_sec && a.tv_nsec == b.tv_nsec;
-}
+bool sameTime(const timespec& a, const timespec& b) { return a.tv_sec == b.tv_sec && a.tv_nsec == b.tv_nsec; }
 
 bool sameStamp(const struct stat& a, const struct stat& b)
 {
@@ -68,10 +59,8 @@ WatchedFile::WatchedFile(std::string path) : _path(std::move(path)) {}
 WatchedFile::Sight WatchedFile::look()
 {
     struct stat now {};
-    if (stat(_path.c_str(), &now) != 0)
-        return unreadable(errorText(errno));
-    if (_settled && _trouble.empty() && sameStamp(now, _seen))
-        return Sight::Same;
+    if (stat(_path.c_str(), &now) != 0) return unreadable(errorText(errno));
+    if (_settled && _trouble.empty() && sameStamp(now, _seen)) return Sight::Same;
     return readAgain();
 }
 
@@ -79,8 +68,7 @@ WatchedFile::Sight WatchedFile::unreadable(const std::string& trouble)
 {
     _settled = false;
     _hasContent = false; // whatever comes back is new
-    if (trouble == _trouble)
-        return Sight::Same;
+    if (trouble == _trouble) return Sight::Same;
     _trouble = trouble;
     return Sight::Unreadable;
 }
@@ -89,10 +77,8 @@ WatchedFile::Sight WatchedFile::readAgain()
 {
     const OpenFile file(_path);
     struct stat now {};
-    if (file.number() < 0 || fstat(file.number(), &now) != 0)
-        return unreadable(errorText(errno));
-    if (!S_ISREG(now.st_mode))
-        return unreadable("not a regular file");
+    if (file.number() < 0 || fstat(file.number(), &now) != 0) return unreadable(errorText(errno));
+    if (!S_ISREG(now.st_mode)) return unreadable("not a regular file");
     if (static_cast<std::uint64_t>(now.st_size) > mostBytes)
         return unreadable("larger than " + std::to_string(mostBytes >> 20) + " MiB");
     const bool fresh = wasWrittenJustNow(now);
@@ -106,8 +92,7 @@ WatchedFile::Sight WatchedFile::readAgain()
     const bool same = _hasContent && hash == _contentHash;
     _contentHash = hash;
     _hasContent = true;
-    if (!same)
-        return Sight::NewText;
+    if (!same) return Sight::NewText;
     forgetText();
     return Sight::Same;
 }
@@ -120,19 +105,15 @@ bool WatchedFile::readAll(int file, std::size_t expectedBytes)
     std::size_t filled = 0;
     for (;;) {
         const ssize_t got = read(file, _text.data() + filled, _text.size() - filled);
-        if (got < 0 && errno == EINTR)
-            continue;
-        if (got < 0)
-            return false;
-        if (got == 0)
-            break;
+        if (got < 0 && errno == EINTR) continue;
+        if (got < 0) return false;
+        if (got == 0) break;
         filled += static_cast<std::size_t>(got);
         if (filled > mostBytes) {
             errno = 0;
             return false;
         }
-        if (filled == _text.size())
-            _text.resize(filled + filled / 2 + 4096);
+        if (filled == _text.size()) _text.resize(filled + filled / 2 + 4096);
     }
     _text.resize(filled);
     return true;

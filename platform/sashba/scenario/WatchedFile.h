@@ -6,7 +6,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
-
 #include <sys/stat.h>
 
 namespace KDV {

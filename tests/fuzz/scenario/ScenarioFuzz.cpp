@@ -15,8 +15,7 @@ namespace {
 // A check that no build switches off.
 void require(bool holds)
 {
-    if (!holds)
-        std::abort();
+    if (!holds) std::abort();
 }
 
 template <std::size_t capacity>
@@ -72,9 +71,12 @@ std::size_t walk(const KDV::SasHbaRecord* head)
 void play(const KDV::Change& change, KDV::RecordTree& tree)
 {
     switch (change.action) {
-    case KDV::ChangeAction::Set: return tree.write(change.position, change.patch);
-    case KDV::ChangeAction::Pull: return tree.pullDrive(change.position);
-    case KDV::ChangeAction::Insert: return tree.insertDrive(change.position, change.drive);
+    case KDV::ChangeAction::Set:
+        return tree.write(change.position, change.patch);
+    case KDV::ChangeAction::Pull:
+        return tree.pullDrive(change.position);
+    case KDV::ChangeAction::Insert:
+        return tree.insertDrive(change.position, change.drive);
     }
 }
 

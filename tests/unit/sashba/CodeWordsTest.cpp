@@ -34,7 +34,12 @@ std::vector<WordCase> allWords()
     add("", "arraySystemStatus", 163, health);
     add("", "controllerStatus", 164, {{"unknown", 0}, {"ok", 2}, {"failed", 3}});
     add("physicalDrives", "status", 22,
-        {{"unknown", 0}, {"ok", 2}, {"predictiveFailure", 3}, {"failed", 4}, {"predictiveFailure2", 10}, {"degraded", 12}});
+        {{"unknown", 0},
+         {"ok", 2},
+         {"predictiveFailure", 3},
+         {"failed", 4},
+         {"predictiveFailure2", 10},
+         {"degraded", 12}});
     add("physicalDrives", "usage", 25, {{"unknown", 0}, {"member", 2}, {"spare", 3}, {"unassigned", 4}});
     add("physicalDrives", "rotationalSpeed", 26, {{"unknown", 0}, {"7200", 2}, {"10000", 3}, {"15000", 4}});
     add("physicalDrives", "placement", 27, place);
@@ -63,9 +68,9 @@ std::string numberMemberOf(const std::string& list)
 int byteWith(const std::string& list, const std::string& field, const std::string& json, std::size_t offset)
 {
     const std::string member = '"' + field + "\": " + json;
-    const Playground play(
-        list.empty() ? oneHba(member)
-                     : oneHba('"' + list + "\": [{\"" + numberMemberOf(list) + "\": 0, " + member + "}]"));
+    const Playground play(list.empty()
+                              ? oneHba(member)
+                              : oneHba('"' + list + "\": [{\"" + numberMemberOf(list) + "\": 0, " + member + "}]"));
     if (!play.errors.empty()) {
         ADD_FAILURE() << play.errors[0];
         return -1;
@@ -85,7 +90,8 @@ class WordOfACode : public testing::TestWithParam<WordCase> {};
 TEST_P(WordOfACode, GivesItsCode)
 {
     const WordCase& one = GetParam();
-    EXPECT_EQ(byteWith(one.list, one.field, '"' + one.word + '"', one.offset), one.code) << one.field << ' ' << one.word;
+    EXPECT_EQ(byteWith(one.list, one.field, '"' + one.word + '"', one.offset), one.code)
+        << one.field << ' ' << one.word;
 }
 
 INSTANTIATE_TEST_SUITE_P(Words, WordOfACode, testing::ValuesIn(allWords()));

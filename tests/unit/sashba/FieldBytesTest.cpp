@@ -1,4 +1,5 @@
-// Every field of every record, from its name in a scenario to its bytes: at its offset, little-endian, and nowhere else.
+// Every field of every record, from its name in a scenario to its bytes: at its offset, little-endian, and nowhere
+// else.
 #include "Playground.h"
 
 #include <cstring>
@@ -15,7 +16,7 @@ struct FieldCase {
     std::string name;
     std::string json;
     std::size_t offset;
-    std::string hex;  // the bytes that must stand there
+    std::string hex;    // the bytes that must stand there
     bool isKey = false; // the number that names the element: changed by a new element, not by a member beside it
 };
 
@@ -163,10 +164,14 @@ struct KindFacts {
 KindFacts factsOf(Kind kind)
 {
     switch (kind) {
-    case Kind::Hba: return {"hbas", "hbaNumber"};
-    case Kind::PhysicalDrive: return {"physicalDrives", "driveNumber"};
-    case Kind::LogicalDrive: return {"logicalDrives", "logicalDriveNumber"};
-    case Kind::StorageBox: return {"storageBoxes", "boxNumber"};
+    case Kind::Hba:
+        return {"hbas", "hbaNumber"};
+    case Kind::PhysicalDrive:
+        return {"physicalDrives", "driveNumber"};
+    case Kind::LogicalDrive:
+        return {"logicalDrives", "logicalDriveNumber"};
+    case Kind::StorageBox:
+        return {"storageBoxes", "boxNumber"};
     }
     return {};
 }
@@ -175,8 +180,7 @@ KindFacts factsOf(Kind kind)
 std::string machineWith(Kind kind, const std::string& members)
 {
     const KindFacts facts = factsOf(kind);
-    if (kind == Kind::Hba)
-        return R"({"hbas": [{)" + members + "}]}";
+    if (kind == Kind::Hba) return R"({"hbas": [{)" + members + "}]}";
     return R"({"hbas": [{"hbaNumber": 0, ")" + facts.list + R"(": [{)" + members + "}]}]}";
 }
 
@@ -191,10 +195,14 @@ std::vector<unsigned char> bytesOf(const Record* record)
 std::vector<unsigned char> elementBytes(const Playground& play, Kind kind)
 {
     switch (kind) {
-    case Kind::Hba: return bytesOf(play.hba());
-    case Kind::PhysicalDrive: return bytesOf(play.drives().at(0));
-    case Kind::LogicalDrive: return bytesOf(play.volumes().at(0));
-    case Kind::StorageBox: return bytesOf(play.boxes().at(0));
+    case Kind::Hba:
+        return bytesOf(play.hba());
+    case Kind::PhysicalDrive:
+        return bytesOf(play.drives().at(0));
+    case Kind::LogicalDrive:
+        return bytesOf(play.volumes().at(0));
+    case Kind::StorageBox:
+        return bytesOf(play.boxes().at(0));
     }
     return {};
 }
@@ -255,10 +263,7 @@ TEST_P(FieldBytes, AreWrittenByAChangeOfTheTimelineAsWell)
     }
 }
 
-std::string caseName(const testing::TestParamInfo<FieldCase>& info)
-{
-    return info.param.name;
-}
+std::string caseName(const testing::TestParamInfo<FieldCase>& info) { return info.param.name; }
 
 INSTANTIATE_TEST_SUITE_P(Hba, FieldBytes, testing::ValuesIn(hbaFields()), caseName);
 INSTANTIATE_TEST_SUITE_P(PhysicalDrive, FieldBytes, testing::ValuesIn(driveFields()), caseName);
@@ -278,9 +283,13 @@ TEST(FieldDefaults, CountsFollowTheirLists)
     const Playground play(
         oneHba(R"("logicalDrives": [{"logicalDriveNumber": 0, "members": [7, 8, 9], "spares": [3]}])"));
     const std::vector<unsigned char> bytes = elementBytes(play, Kind::LogicalDrive);
-    EXPECT_EQ(hexAt(bytes, 170, 16), "03000000" "07000000" "08000000" "09000000");
+    EXPECT_EQ(hexAt(bytes, 170, 16), "03000000"
+                                     "07000000"
+                                     "08000000"
+                                     "09000000");
     EXPECT_EQ(hexAt(bytes, 186, 52), hexOf("", 52));
-    EXPECT_EQ(hexAt(bytes, 238, 8), "01000000" "03000000");
+    EXPECT_EQ(hexAt(bytes, 238, 8), "01000000"
+                                    "03000000");
 }
 
 TEST(FieldDefaults, AnElementThatSaysNothingIsHealthyAndUnassigned)

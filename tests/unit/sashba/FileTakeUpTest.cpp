@@ -1,15 +1,14 @@
 // A scenario file that changes, breaks, goes and comes while it is played.
 #include "Playground.h"
 
-#include <gmock/gmock.h>
-
 #include <cstring>
 #include <fstream>
 #include <string>
-#include <vector>
-
 #include <sys/stat.h>
 #include <unistd.h>
+#include <vector>
+
+#include <gmock/gmock.h>
 
 namespace KDV {
 namespace {
@@ -21,10 +20,7 @@ std::string withStatus(int code)
     return oneHba(R"("physicalDrives": [{"driveNumber": 1, "status": )" + std::to_string(code) + "}]");
 }
 
-int driveStatus(const Playground& play)
-{
-    return play.drives().at(0)->status;
-}
+int driveStatus(const Playground& play) { return play.drives().at(0)->status; }
 
 TEST(ChangedFile, IsTakenUpByTheNextRefresh)
 {

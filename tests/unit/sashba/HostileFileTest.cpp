@@ -1,15 +1,14 @@
 // Files that were made to do harm: none may crash, hang or fill the memory; all end in a message.
 #include "Playground.h"
-
 #include "sashba/scenario/ScenarioReader.h"
-
-#include <gmock/gmock.h>
 
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <random>
 #include <string>
+
+#include <gmock/gmock.h>
 
 namespace KDV {
 namespace {
@@ -44,14 +43,16 @@ TEST(HostileFile, DeepNestingIsRefusedEarly)
 {
     EXPECT_THAT(problemsOf(repeated("[", 1000000)), HasSubstr("expected at most 16 levels of nesting"));
     EXPECT_THAT(problemsOf(repeated("{\"hbas\":", 1000000)), HasSubstr("/hbas/hbas"));
-    EXPECT_THAT(problemsOf("{\"hbas\": " + repeated("[", 15) + repeated("]", 15) + "}"), HasSubstr("/hbas/0: expected"));
+    EXPECT_THAT(problemsOf("{\"hbas\": " + repeated("[", 15) + repeated("]", 15) + "}"),
+                HasSubstr("/hbas/0: expected"));
 }
 
 TEST(HostileFile, HugeNumbersAreNumbersThatDoNotFit)
 {
     for (const char* number : {"1e309", "-1e309", "99999999999999999999999999", "-9223372036854775809", "1e-400"})
         EXPECT_FALSE(problemsOf(std::string(R"({"hbas": [{"hbaNumber": )") + number + "}]}").empty());
-    EXPECT_THAT(problemsOf(R"({"hbas": [{"hbaNumber": )" + repeated("9", 100000) + "}]}"), testing::SizeIs(testing::Lt(400U)));
+    EXPECT_THAT(problemsOf(R"({"hbas": [{"hbaNumber": )" + repeated("9", 100000) + "}]}"),
+                testing::SizeIs(testing::Lt(400U)));
 }
 
 TEST(HostileFile, EveryTruncationOfAGoodFileIsRefused)

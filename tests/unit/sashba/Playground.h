@@ -25,8 +25,7 @@ public:
     TemporaryFolder()
     {
         std::string pattern = (std::filesystem::temp_directory_path() / "kdv-sashba-XXXXXX").string();
-        if (!mkdtemp(pattern.data()))
-            throw std::runtime_error("no temporary folder");
+        if (!mkdtemp(pattern.data())) throw std::runtime_error("no temporary folder");
         _path = pattern;
     }
     ~TemporaryFolder()

@@ -1,5 +1,6 @@
-#include "Playground.h"
 #include "sashba/PrintableText.h"
+
+#include "Playground.h"
 
 #include <string>
 
@@ -25,15 +26,34 @@ TEST(PrintableText, CutsBetweenCharacters)
 
 TEST(PrintableText, ReplacesControlCharacters)
 {
-    EXPECT_EQ(printableText(std::string("a\0b\tc\nd\x1b" "e\x7f", 10), 80), "a?b?c?d?e?");
-    EXPECT_EQ(printableText("a\xC2\x85" "b", 80), "a?b") << "a control character of the upper half";
-    EXPECT_EQ(printableText("a\xE2\x80\xAE" "b", 80), "a?b") << "a character that turns the reading direction";
-    EXPECT_EQ(printableText("a\xEF\xBF\xBF" "b", 80), "a?b") << "a noncharacter";
+    EXPECT_EQ(printableText(std::string("a\0b\tc\nd\x1b"
+                                        "e\x7f",
+                                        10),
+                            80),
+              "a?b?c?d?e?");
+    EXPECT_EQ(printableText("a\xC2\x85"
+                            "b",
+                            80),
+              "a?b")
+        << "a control character of the upper half";
+    EXPECT_EQ(printableText("a\xE2\x80\xAE"
+                            "b",
+                            80),
+              "a?b")
+        << "a character that turns the reading direction";
+    EXPECT_EQ(printableText("a\xEF\xBF\xBF"
+                            "b",
+                            80),
+              "a?b")
+        << "a noncharacter";
 }
 
 TEST(PrintableText, ReplacesEveryByteThatIsNoUtf8)
 {
-    EXPECT_EQ(printableText("a\xFF\xFE" "b", 80), "a??b");
+    EXPECT_EQ(printableText("a\xFF\xFE"
+                            "b",
+                            80),
+              "a??b");
     EXPECT_EQ(printableText("a\xC3", 80), "a?") << "cut off";
     EXPECT_EQ(printableText("\x80", 80), "?") << "a continuation alone";
     EXPECT_EQ(printableText("\xC0\xAF", 80), "??") << "longer than needed";
@@ -45,8 +65,7 @@ TEST(PrintableText, ReplacesEveryByteThatIsNoUtf8)
 SasPhysicalDriveRecord driveWith(const std::string& field, const std::string& json)
 {
     const Playground play(oneHba(R"("physicalDrives": [{"driveNumber": 0, ")" + field + "\": " + json + "}]"));
-    if (!play.errors.empty())
-        ADD_FAILURE() << play.errors[0];
+    if (!play.errors.empty()) ADD_FAILURE() << play.errors[0];
     return *play.drives().at(0);
 }
 
@@ -72,8 +91,9 @@ TEST(TextField, AnEscapedNulOrControlCharacterDoesNotEndTheText)
 
 TEST(TextField, AShorterTextOfALaterChangeLeavesNothingOfTheLonger)
 {
-    Playground play(oneHba(R"("physicalDrives": [{"driveNumber": 0, "serialNumber": "LONGSERIAL"}])",
-                           R"("timeline": [{"atPass": 1, "hba": 0, "physicalDrive": 0, "set": {"serialNumber": "S"}}])"));
+    Playground play(
+        oneHba(R"("physicalDrives": [{"driveNumber": 0, "serialNumber": "LONGSERIAL"}])",
+               R"("timeline": [{"atPass": 1, "hba": 0, "physicalDrive": 0, "set": {"serialNumber": "S"}}])"));
     play.pass();
     const SasPhysicalDriveRecord drive = *play.drives().at(0);
     EXPECT_EQ(std::string(drive.serialNumber, sizeof drive.serialNumber), "S" + std::string(40, '\0'));

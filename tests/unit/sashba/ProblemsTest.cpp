@@ -1,11 +1,10 @@
 // Every kind of mistake in a scenario: its place and what was expected there.
 #include "Playground.h"
-
 #include "sashba/scenario/ScenarioReader.h"
 
-#include <gmock/gmock.h>
-
 #include <string>
+
+#include <gmock/gmock.h>
 
 namespace KDV {
 namespace {
@@ -77,8 +76,7 @@ TEST(Document, NeedsHbas)
 
 TEST(Document, RefusesUnknownMembersAndNamesTheProbableOne)
 {
-    EXPECT_EQ(problemsOf(R"({"hbas": [], "timelin": []})"),
-              "/timelin: expected a known field, probably \"timeline\"");
+    EXPECT_EQ(problemsOf(R"({"hbas": [], "timelin": []})"), "/timelin: expected a known field, probably \"timeline\"");
     EXPECT_EQ(driveProblem(R"("serialNumer": "x")"),
               "/hbas/0/physicalDrives/1/serialNumer: expected a known field, probably \"serialNumber\"");
     EXPECT_EQ(driveProblem(R"("zzzzzzzzzzzz": 1)"), "/hbas/0/physicalDrives/1/zzzzzzzzzzzz: expected a known field");
@@ -109,9 +107,9 @@ TEST(Element, NeedsANumberOfItsOwn)
     EXPECT_THAT(problemsOf(oneHba(R"("physicalDrives": [{"driveNumber": 4}, {"driveNumber": 4}])")),
                 StartsWith("/hbas/0/physicalDrives/1/driveNumber: expected a number that no other"));
     EXPECT_THAT(problemsOf(R"({"hbas": [{"hbaNumber": 1}, {"hbaNumber": 1}]})"), StartsWith("/hbas/1/hbaNumber: "));
-    EXPECT_EQ(problemsOf(oneHba(
-                  R"("physicalDrives": [{"driveNumber": 4}, {"driveNumber": 4, "duplicateNumber": true}])")),
-              "");
+    EXPECT_EQ(
+        problemsOf(oneHba(R"("physicalDrives": [{"driveNumber": 4}, {"driveNumber": 4, "duplicateNumber": true}])")),
+        "");
     EXPECT_EQ(driveProblem(R"("duplicateNumber": 1)"),
               "/hbas/0/physicalDrives/1/duplicateNumber: expected true or false, found the number 1");
 }
@@ -182,7 +180,8 @@ TEST(TimelineProblem, NeedsOneTime)
     EXPECT_EQ(changeProblem(R"("hba": 0, "pull": 1)"), "/timeline/0: expected either \"atPass\" or \"afterSeconds\"");
     EXPECT_EQ(changeProblem(R"("atPass": 1, "afterSeconds": 1, "hba": 0, "pull": 1)"),
               "/timeline/0: expected either \"atPass\" or \"afterSeconds\"");
-    EXPECT_THAT(changeProblem(R"("atPass": 0, "hba": 0, "pull": 1)"), StartsWith("/timeline/0/atPass: expected at least 1"));
+    EXPECT_THAT(changeProblem(R"("atPass": 0, "hba": 0, "pull": 1)"),
+                StartsWith("/timeline/0/atPass: expected at least 1"));
     EXPECT_THAT(changeProblem(R"("atPass": 1.5, "hba": 0, "pull": 1)"), StartsWith("/timeline/0/atPass: "));
     EXPECT_THAT(changeProblem(R"("afterSeconds": -1, "hba": 0, "pull": 1)"), StartsWith("/timeline/0/afterSeconds: "));
     EXPECT_THAT(changeProblem(R"("afterSeconds": 1e300, "hba": 0, "pull": 1)"), HasSubstr("expected seconds from 0"));
@@ -191,7 +190,8 @@ TEST(TimelineProblem, NeedsOneTime)
 TEST(TimelineProblem, NeedsOneActionAndATarget)
 {
     EXPECT_THAT(changeProblem(R"("atPass": 1, "hba": 0)"), StartsWith("/timeline/0: expected exactly one of \"set\""));
-    EXPECT_THAT(changeProblem(R"("atPass": 1, "hba": 0, "pull": 1, "insert": 1)"), HasSubstr("expected exactly one of"));
+    EXPECT_THAT(changeProblem(R"("atPass": 1, "hba": 0, "pull": 1, "insert": 1)"),
+                HasSubstr("expected exactly one of"));
     EXPECT_EQ(changeProblem(R"("atPass": 1, "pull": 1)"),
               "/timeline/0/hba: expected the number of an HBA, found nothing");
     EXPECT_EQ(changeProblem(R"("atPass": 1, "hba": 3, "pull": 1)"),
@@ -204,7 +204,8 @@ TEST(TimelineProblem, NeedsOneActionAndATarget)
                 HasSubstr("expected at most one of"));
     EXPECT_THAT(changeProblem(R"("atPass": 1, "hba": 0, "physicalDrive": 1, "pull": 1)"),
                 StartsWith("/timeline/0/physicalDrive: expected only beside \"set\""));
-    EXPECT_THAT(changeProblem(R"("atPass": 1, "hba": 0, "puls": 1)"), HasSubstr("/timeline/0/puls: expected a known field"));
+    EXPECT_THAT(changeProblem(R"("atPass": 1, "hba": 0, "puls": 1)"),
+                HasSubstr("/timeline/0/puls: expected a known field"));
     EXPECT_THAT(changeProblem(R"("atPass": 1, "hba": 0, "pull": 1, "occurrence": 0)"), HasSubstr("/occurrence: "));
     EXPECT_THAT(changeProblem(R"("atPass": 1, "hba": 0, "set": {}, "occurrence": 1)"), HasSubstr("/occurrence: "));
     EXPECT_THAT(changeProblem(R"("atPass": 1, "hba": 0, "insert": {"driveNumber": 5}, "occurrence": 2)"),
@@ -234,19 +235,21 @@ TEST(TimelineProblem, ARoundHoldsItsChanges)
     EXPECT_THAT(withRound(R"({"passes": 3})"), StartsWith("/timeline/0: expected to be due within the round"));
     EXPECT_THAT(withRound(R"({"passes": 0})"), StartsWith("/repeatEvery/passes: expected at least 1"));
     EXPECT_THAT(withRound(R"({"seconds": 0})"), StartsWith("/repeatEvery/seconds: expected at least 0.001"));
-    EXPECT_THAT(withRound(R"({"pass": 3})"), StartsWith("/repeatEvery/pass: expected a known field, probably \"passes\""));
+    EXPECT_THAT(withRound(R"({"pass": 3})"),
+                StartsWith("/repeatEvery/pass: expected a known field, probably \"passes\""));
     EXPECT_THAT(withRound("5"), StartsWith("/repeatEvery: expected an object"));
 }
 
 TEST(ProblemList, TellsAllAtOnceInTheOrderOfTheFile)
 {
-    EXPECT_EQ(problemsOf(R"({"hbas": [{"hbaNumber": 0, "nam": "x", "slotNumber": 256,
+    EXPECT_EQ(
+        problemsOf(R"({"hbas": [{"hbaNumber": 0, "nam": "x", "slotNumber": 256,
         "physicalDrives": [{"driveNumber": -1}]}], "timeline": 3})"),
-              "/hbas/0/nam: expected a known field, probably \"name\"; "
-              "/hbas/0/slotNumber: expected one of \"embedded\", \"unknown\", or a code from 0 to 255, found the number "
-              "256; "
-              "/hbas/0/physicalDrives/0/driveNumber: expected a whole number from 0 to 4294967295, found the number -1; "
-              "/timeline: expected an array of changes, found the number 3");
+        "/hbas/0/nam: expected a known field, probably \"name\"; "
+        "/hbas/0/slotNumber: expected one of \"embedded\", \"unknown\", or a code from 0 to 255, found the number "
+        "256; "
+        "/hbas/0/physicalDrives/0/driveNumber: expected a whole number from 0 to 4294967295, found the number -1; "
+        "/timeline: expected an array of changes, found the number 3");
 }
 
 TEST(ProblemList, IsBounded)

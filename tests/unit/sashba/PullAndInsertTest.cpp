@@ -12,9 +12,10 @@ using Numbers = std::vector<std::uint32_t>;
 
 std::string machine(const std::string& timeline)
 {
-    return oneHba(R"("physicalDrives": [{"driveNumber": 1, "serialNumber": "S1"}, {"driveNumber": 2, "serialNumber": "S2"},
+    return oneHba(
+        R"("physicalDrives": [{"driveNumber": 1, "serialNumber": "S1"}, {"driveNumber": 2, "serialNumber": "S2"},
         {"driveNumber": 3, "serialNumber": "S3"}])",
-                  "\"timeline\": [" + timeline + "]");
+        "\"timeline\": [" + timeline + "]");
 }
 
 TEST(PulledDrive, LeavesTheListAndStaysReadableAsItWasLast)

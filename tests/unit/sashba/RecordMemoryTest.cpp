@@ -1,6 +1,5 @@
 // Where records lie and whose they are.
 #include "Playground.h"
-
 #include "sashba/KeptBytes.h"
 #include "sashba/LowMemory.h"
 

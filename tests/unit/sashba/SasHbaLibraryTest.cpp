@@ -1,10 +1,9 @@
 // The shared library as the provider uses it: two functions, a root, the environment and the configuration directory.
 #include "records/SasDataLibrary.h"
 
-#include <gtest/gtest.h>
-
 #include <cstdlib>
 #include <cstring>
+#include <dlfcn.h>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -12,7 +11,7 @@
 #include <thread>
 #include <vector>
 
-#include <dlfcn.h>
+#include <gtest/gtest.h>
 
 namespace KDV {
 namespace {
@@ -89,8 +88,8 @@ TEST_F(SasHbaLibrary, HasNoHbaWhenNothingOrNothingUsableIsChosen)
     EXPECT_EQ(nameOf(root), "none");
     UpdateSasData(&root);
     EXPECT_EQ(nameOf(root), "none");
-    for (const char* configuration : {"{", "[]", R"({"scenario": 3})", R"({"scenari": "b.json"})", R"({"scenario": ""})",
-                                      R"({"scenario": "missing.json"})"}) {
+    for (const char* configuration : {"{", "[]", R"({"scenario": 3})", R"({"scenari": "b.json"})",
+                                      R"({"scenario": ""})", R"({"scenario": "missing.json"})"}) {
         write("KDVSasHbaMRA.json", configuration);
         CreateSasLists(&root);
         EXPECT_EQ(nameOf(root), "none") << configuration;

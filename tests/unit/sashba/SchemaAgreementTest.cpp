@@ -2,13 +2,13 @@
 #include "sashba/scenario/FieldTables.h"
 #include "sashba/scenario/ScenarioReader.h"
 
-#include <gtest/gtest.h>
-#include <nlohmann/json.hpp>
-
 #include <fstream>
 #include <iterator>
 #include <set>
 #include <string>
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 
 namespace KDV {
 namespace {
@@ -61,8 +61,7 @@ TEST(Schema, NamesTheWordsOfTheLibrary)
     const nlohmann::json defs = definitions();
     for (const KindInSchema& kind : kinds) {
         for (const FieldRow& row : fieldsOf(kind.kind)) {
-            if (row.form != FieldForm::Code)
-                continue;
+            if (row.form != FieldForm::Code) continue;
             nlohmann::json words = nlohmann::json::array();
             for (const CodeWord& word : row.words)
                 words.push_back(word.word);

@@ -42,9 +42,11 @@ void expectVolumesAgree(const Playground& play, std::size_t hbaIndex)
     for (const SasLogicalDriveRecord* volume : recordsOf(play.hba(hbaIndex)->logicalDrives)) {
         const SasLogicalDriveRecord copy = *volume;
         for (std::uint32_t i = 0; i < copy.memberCount; ++i)
-            EXPECT_TRUE(used.emplace(std::uint32_t{copy.members[i]}, 2).second) << "drive " << std::uint32_t{copy.members[i]} << " twice";
+            EXPECT_TRUE(used.emplace(std::uint32_t{copy.members[i]}, 2).second)
+                << "drive " << std::uint32_t{copy.members[i]} << " twice";
         for (std::uint32_t i = 0; i < copy.spareCount; ++i)
-            EXPECT_TRUE(used.emplace(std::uint32_t{copy.spares[i]}, 3).second) << "drive " << std::uint32_t{copy.spares[i]} << " twice";
+            EXPECT_TRUE(used.emplace(std::uint32_t{copy.spares[i]}, 3).second)
+                << "drive " << std::uint32_t{copy.spares[i]} << " twice";
     }
     for (const auto& [number, role] : usage) {
         const auto found = used.find(number);
@@ -135,7 +137,8 @@ std::string alertedState(const Playground& play)
 {
     std::string state;
     for (const SasLogicalDriveRecord* volume : play.volumes())
-        state += "volume " + std::to_string(volume->redundancyState) + ' ' + std::to_string(volume->rebuildingDrive) + '\n';
+        state +=
+            "volume " + std::to_string(volume->redundancyState) + ' ' + std::to_string(volume->rebuildingDrive) + '\n';
     for (const SasPhysicalDriveRecord* drive : play.drives())
         state += "drive " + std::to_string(drive->driveNumber) + ' ' + std::to_string(drive->status) + '\n';
     for (const SasStorageBoxRecord* box : play.boxes())

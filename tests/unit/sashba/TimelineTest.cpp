@@ -23,10 +23,7 @@ std::string status(const std::string& due, int code)
     return "{" + due + R"(, "hba": 0, "physicalDrive": 1, "set": {"status": )" + std::to_string(code) + "}}";
 }
 
-int driveStatus(const Playground& play)
-{
-    return play.drives().at(0)->status;
-}
+int driveStatus(const Playground& play) { return play.drives().at(0)->status; }
 
 TEST(TimelineByPass, APassIsARefreshAfterTheLoad)
 {
@@ -42,8 +39,8 @@ TEST(TimelineByPass, APassIsARefreshAfterTheLoad)
 
 TEST(TimelineByPass, ChangesOfOnePassComeInTheOrderOfTheFileAndTheFileNeedsNoOrder)
 {
-    Playground play(machine(status("\"atPass\": 2", 20) + ", " + status("\"atPass\": 1", 10) + ", " +
-                            status("\"atPass\": 2", 21)));
+    Playground play(
+        machine(status("\"atPass\": 2", 20) + ", " + status("\"atPass\": 1", 10) + ", " + status("\"atPass\": 2", 21)));
     play.pass();
     EXPECT_EQ(driveStatus(play), 10);
     play.pass();
@@ -105,8 +102,8 @@ TEST(TimelineBySeconds, DoesNotDependOnPasses)
 
 TEST(RepeatedTimeline, PlaysEveryRoundAgain)
 {
-    Playground play(machine(status("\"atPass\": 1", 11) + ", " + status("\"atPass\": 3", 13),
-                            R"(, "repeatEvery": {"passes": 3})"));
+    Playground play(
+        machine(status("\"atPass\": 1", 11) + ", " + status("\"atPass\": 3", 13), R"(, "repeatEvery": {"passes": 3})"));
     std::vector<int> seen;
     for (int pass = 1; pass <= 8; ++pass) {
         play.pass();
