@@ -11,8 +11,8 @@ using namespace CmpiCpp;
 namespace KDV {
 namespace {
 
-const std::string className = "KDV_SASIndication";
-const std::string systemClassName = "KDV_ComputerSystem";
+constexpr char className[] = "KDV_SASIndication";
+constexpr char systemClassName[] = "KDV_ComputerSystem";
 
 constexpr int noEvent = -1;
 

@@ -1,7 +1,7 @@
 #include "associations/KDV_SASArraySystemArrayController.h"
 
 namespace KDV {
-namespace { const std::string className = "KDV_SASArraySystemArrayController"; }
+namespace { constexpr char className[] = "KDV_SASArraySystemArrayController"; }
 
 KDV_SASArraySystemArrayController::KDV_SASArraySystemArrayController(
     const Logger& logger, const std::string& nameSpace,

@@ -1,7 +1,7 @@
 #include "associations/KDV_SASArraySystemDAPort.h"
 
 namespace KDV {
-namespace { const std::string className = "KDV_SASArraySystemDAPort"; }
+namespace { constexpr char className[] = "KDV_SASArraySystemDAPort"; }
 
 KDV_SASArraySystemDAPort::KDV_SASArraySystemDAPort(
     const Logger& logger, const std::string& nameSpace,

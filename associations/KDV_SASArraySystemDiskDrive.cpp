@@ -1,7 +1,7 @@
 #include "associations/KDV_SASArraySystemDiskDrive.h"
 
 namespace KDV {
-namespace { const std::string className = "KDV_SASArraySystemDiskDrive"; }
+namespace { constexpr char className[] = "KDV_SASArraySystemDiskDrive"; }
 
 KDV_SASArraySystemDiskDrive::KDV_SASArraySystemDiskDrive(
     const Logger& logger, const std::string& nameSpace,

@@ -2,7 +2,7 @@
 
 using namespace CmpiCpp;
 namespace KDV {
-namespace { const std::string className = "KDV_SASArraySystemFirmware"; }
+namespace { constexpr char className[] = "KDV_SASArraySystemFirmware"; }
 
 using Link = KDV_SASArraySystemFirmware;
 

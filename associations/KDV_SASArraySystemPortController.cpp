@@ -2,7 +2,7 @@
 
 using namespace CmpiCpp;
 namespace KDV {
-namespace { const std::string className = "KDV_SASArraySystemPortController"; }
+namespace { constexpr char className[] = "KDV_SASArraySystemPortController"; }
 
 using Link = KDV_SASArraySystemPortController;
 

@@ -1,7 +1,7 @@
 #include "associations/KDV_SASArraySystemPrimordialPool.h"
 
 namespace KDV {
-namespace { const std::string className = "KDV_SASArraySystemPrimordialPool"; }
+namespace { constexpr char className[] = "KDV_SASArraySystemPrimordialPool"; }
 
 KDV_SASArraySystemPrimordialPool::KDV_SASArraySystemPrimordialPool(
     const Logger& logger, const std::string& nameSpace,

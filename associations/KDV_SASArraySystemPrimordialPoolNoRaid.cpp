@@ -1,7 +1,7 @@
 #include "associations/KDV_SASArraySystemPrimordialPoolNoRaid.h"
 
 namespace KDV {
-namespace { const std::string className = "KDV_SASArraySystemPrimordialPoolNoRaid"; }
+namespace { constexpr char className[] = "KDV_SASArraySystemPrimordialPoolNoRaid"; }
 
 KDV_SASArraySystemPrimordialPoolNoRaid::KDV_SASArraySystemPrimordialPoolNoRaid(
     const Logger& logger, const std::string& nameSpace,

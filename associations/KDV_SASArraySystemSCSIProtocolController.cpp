@@ -1,7 +1,7 @@
 #include "associations/KDV_SASArraySystemSCSIProtocolController.h"
 
 namespace KDV {
-namespace { const std::string className = "KDV_SASArraySystemSCSIProtocolController"; }
+namespace { constexpr char className[] = "KDV_SASArraySystemSCSIProtocolController"; }
 
 KDV_SASArraySystemSCSIProtocolController::KDV_SASArraySystemSCSIProtocolController(
     const Logger& logger, const std::string& nameSpace,

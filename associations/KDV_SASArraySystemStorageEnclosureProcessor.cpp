@@ -1,7 +1,7 @@
 #include "associations/KDV_SASArraySystemStorageEnclosureProcessor.h"
 
 namespace KDV {
-namespace { const std::string className = "KDV_SASArraySystemStorageEnclosureProcessor"; }
+namespace { constexpr char className[] = "KDV_SASArraySystemStorageEnclosureProcessor"; }
 
 KDV_SASArraySystemStorageEnclosureProcessor::KDV_SASArraySystemStorageEnclosureProcessor(
     const Logger& logger, const std::string& nameSpace,

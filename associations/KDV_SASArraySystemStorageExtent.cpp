@@ -1,7 +1,7 @@
 #include "associations/KDV_SASArraySystemStorageExtent.h"
 
 namespace KDV {
-namespace { const std::string className = "KDV_SASArraySystemStorageExtent"; }
+namespace { constexpr char className[] = "KDV_SASArraySystemStorageExtent"; }
 
 KDV_SASArraySystemStorageExtent::KDV_SASArraySystemStorageExtent(
     const Logger& logger, const std::string& nameSpace,

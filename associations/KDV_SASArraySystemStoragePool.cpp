@@ -1,7 +1,7 @@
 #include "associations/KDV_SASArraySystemStoragePool.h"
 
 namespace KDV {
-namespace { const std::string className = "KDV_SASArraySystemStoragePool"; }
+namespace { constexpr char className[] = "KDV_SASArraySystemStoragePool"; }
 
 KDV_SASArraySystemStoragePool::KDV_SASArraySystemStoragePool(
     const Logger& logger, const std::string& nameSpace,

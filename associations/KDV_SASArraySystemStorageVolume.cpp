@@ -1,7 +1,7 @@
 #include "associations/KDV_SASArraySystemStorageVolume.h"
 
 namespace KDV {
-namespace { const std::string className = "KDV_SASArraySystemStorageVolume"; }
+namespace { constexpr char className[] = "KDV_SASArraySystemStorageVolume"; }
 
 KDV_SASArraySystemStorageVolume::KDV_SASArraySystemStorageVolume(
     const Logger& logger, const std::string& nameSpace,

@@ -2,7 +2,7 @@
 
 using namespace CmpiCpp;
 namespace KDV {
-namespace { const std::string className = "KDV_SASComputerSystemArraySystem"; }
+namespace { constexpr char className[] = "KDV_SASComputerSystemArraySystem"; }
 
 using Link = KDV_SASComputerSystemArraySystem;
 

@@ -1,7 +1,7 @@
 #include "associations/KDV_SASDAPortSCSIProtocolEndpoint.h"
 
 namespace KDV {
-namespace { const std::string className = "KDV_SASDAPortSCSIProtocolEndpoint"; }
+namespace { constexpr char className[] = "KDV_SASDAPortSCSIProtocolEndpoint"; }
 
 KDV_SASDAPortSCSIProtocolEndpoint::KDV_SASDAPortSCSIProtocolEndpoint(
     const Logger& logger, const std::string& nameSpace,

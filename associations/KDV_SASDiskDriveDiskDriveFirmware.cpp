@@ -2,7 +2,7 @@
 
 using namespace CmpiCpp;
 namespace KDV {
-namespace { const std::string className = "KDV_SASDiskDriveDiskDriveFirmware"; }
+namespace { constexpr char className[] = "KDV_SASDiskDriveDiskDriveFirmware"; }
 
 KDV_SASDiskDriveDiskDriveFirmware::KDV_SASDiskDriveDiskDriveFirmware(
     const Logger& logger, const std::string& nameSpace,

@@ -1,7 +1,7 @@
 #include "associations/KDV_SASDiskPhysicalPackageDiskDrive.h"
 
 namespace KDV {
-namespace { const std::string className = "KDV_SASDiskPhysicalPackageDiskDrive"; }
+namespace { constexpr char className[] = "KDV_SASDiskPhysicalPackageDiskDrive"; }
 
 KDV_SASDiskPhysicalPackageDiskDrive::KDV_SASDiskPhysicalPackageDiskDrive(
     const Logger& logger, const std::string& nameSpace,

@@ -2,7 +2,7 @@
 
 using namespace CmpiCpp;
 namespace KDV {
-namespace { const std::string className = "KDV_SASDiskPhysicalPackageDiskDriveLocation"; }
+namespace { constexpr char className[] = "KDV_SASDiskPhysicalPackageDiskDriveLocation"; }
 
 using Link = KDV_SASDiskPhysicalPackageDiskDriveLocation;
 

@@ -1,7 +1,7 @@
 #include "associations/KDV_SASDriveCageDiskPhysicalPackage.h"
 
 namespace KDV {
-namespace { const std::string className = "KDV_SASDriveCageDiskPhysicalPackage"; }
+namespace { constexpr char className[] = "KDV_SASDriveCageDiskPhysicalPackage"; }
 
 KDV_SASDriveCageDiskPhysicalPackage::KDV_SASDriveCageDiskPhysicalPackage(
     const Logger& logger, const std::string& nameSpace,

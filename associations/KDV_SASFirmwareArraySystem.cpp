@@ -2,7 +2,7 @@
 
 using namespace CmpiCpp;
 namespace KDV {
-namespace { const std::string className = "KDV_SASFirmwareArraySystem"; }
+namespace { constexpr char className[] = "KDV_SASFirmwareArraySystem"; }
 
 KDV_SASFirmwareArraySystem::KDV_SASFirmwareArraySystem(
     const Logger& logger, const std::string& nameSpace,

@@ -1,7 +1,7 @@
 #include "associations/KDV_SASPhysicalPackageArraySystem.h"
 
 namespace KDV {
-namespace { const std::string className = "KDV_SASPhysicalPackageArraySystem"; }
+namespace { constexpr char className[] = "KDV_SASPhysicalPackageArraySystem"; }
 
 KDV_SASPhysicalPackageArraySystem::KDV_SASPhysicalPackageArraySystem(
     const Logger& logger, const std::string& nameSpace,

@@ -2,7 +2,7 @@
 
 using namespace CmpiCpp;
 namespace KDV {
-namespace { const std::string className = "KDV_SASPhysicalPackageArraySystemLocation"; }
+namespace { constexpr char className[] = "KDV_SASPhysicalPackageArraySystemLocation"; }
 
 using Link = KDV_SASPhysicalPackageArraySystemLocation;
 

@@ -2,7 +2,7 @@
 
 using namespace CmpiCpp;
 namespace KDV {
-namespace { const std::string className = "KDV_SASPrimordialPoolNoRaidStorageCapabilities"; }
+namespace { constexpr char className[] = "KDV_SASPrimordialPoolNoRaidStorageCapabilities"; }
 
 using Link = KDV_SASPrimordialPoolNoRaidStorageCapabilities;
 

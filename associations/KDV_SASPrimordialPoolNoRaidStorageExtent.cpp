@@ -1,7 +1,7 @@
 #include "associations/KDV_SASPrimordialPoolNoRaidStorageExtent.h"
 
 namespace KDV {
-namespace { const std::string className = "KDV_SASPrimordialPoolNoRaidStorageExtent"; }
+namespace { constexpr char className[] = "KDV_SASPrimordialPoolNoRaidStorageExtent"; }
 
 KDV_SASPrimordialPoolNoRaidStorageExtent::KDV_SASPrimordialPoolNoRaidStorageExtent(
     const Logger& logger, const std::string& nameSpace,

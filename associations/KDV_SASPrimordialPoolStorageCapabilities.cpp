@@ -2,7 +2,7 @@
 
 using namespace CmpiCpp;
 namespace KDV {
-namespace { const std::string className = "KDV_SASPrimordialPoolStorageCapabilities"; }
+namespace { constexpr char className[] = "KDV_SASPrimordialPoolStorageCapabilities"; }
 
 using Link = KDV_SASPrimordialPoolStorageCapabilities;
 

@@ -1,7 +1,7 @@
 #include "associations/KDV_SASPrimordialPoolStorageExtent.h"
 
 namespace KDV {
-namespace { const std::string className = "KDV_SASPrimordialPoolStorageExtent"; }
+namespace { constexpr char className[] = "KDV_SASPrimordialPoolStorageExtent"; }
 
 KDV_SASPrimordialPoolStorageExtent::KDV_SASPrimordialPoolStorageExtent(
     const Logger& logger, const std::string& nameSpace,

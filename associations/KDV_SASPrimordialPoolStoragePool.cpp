@@ -2,7 +2,7 @@
 
 using namespace CmpiCpp;
 namespace KDV {
-namespace { const std::string className = "KDV_SASPrimordialPoolStoragePool"; }
+namespace { constexpr char className[] = "KDV_SASPrimordialPoolStoragePool"; }
 
 KDV_SASPrimordialPoolStoragePool::KDV_SASPrimordialPoolStoragePool(
     const Logger& logger, const std::string& nameSpace,

@@ -1,7 +1,7 @@
 #include "associations/KDV_SASProductPhysicalPackage.h"
 
 namespace KDV {
-namespace { const std::string className = "KDV_SASProductPhysicalPackage"; }
+namespace { constexpr char className[] = "KDV_SASProductPhysicalPackage"; }
 
 KDV_SASProductPhysicalPackage::KDV_SASProductPhysicalPackage(
     const Logger& logger, const std::string& nameSpace,

@@ -2,7 +2,7 @@
 
 using namespace CmpiCpp;
 namespace KDV {
-namespace { const std::string className = "KDV_SASSCSIProtocolControllerStorageVolume"; }
+namespace { constexpr char className[] = "KDV_SASSCSIProtocolControllerStorageVolume"; }
 
 KDV_SASSCSIProtocolControllerStorageVolume::KDV_SASSCSIProtocolControllerStorageVolume(
     const Logger& logger, const std::string& nameSpace,

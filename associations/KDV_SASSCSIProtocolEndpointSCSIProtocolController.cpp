@@ -2,7 +2,7 @@
 
 using namespace CmpiCpp;
 namespace KDV {
-namespace { const std::string className = "KDV_SASSCSIProtocolEndpointSCSIProtocolController"; }
+namespace { constexpr char className[] = "KDV_SASSCSIProtocolEndpointSCSIProtocolController"; }
 
 using Link = KDV_SASSCSIProtocolEndpointSCSIProtocolController;
 

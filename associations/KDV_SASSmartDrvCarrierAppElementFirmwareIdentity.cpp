@@ -2,7 +2,7 @@
 
 using namespace CmpiCpp;
 namespace KDV {
-namespace { const std::string className = "KDV_SASSmartDrvCarrierAppElementFirmwareIdentity"; }
+namespace { constexpr char className[] = "KDV_SASSmartDrvCarrierAppElementFirmwareIdentity"; }
 
 using Link = KDV_SASSmartDrvCarrierAppElementFirmwareIdentity;
 

@@ -2,7 +2,7 @@
 
 using namespace CmpiCpp;
 namespace KDV {
-namespace { const std::string className = "KDV_SASSmartDrvCarrierAppInstalledFirmwareIdentity"; }
+namespace { constexpr char className[] = "KDV_SASSmartDrvCarrierAppInstalledFirmwareIdentity"; }
 
 using Link = KDV_SASSmartDrvCarrierAppInstalledFirmwareIdentity;
 

@@ -2,7 +2,7 @@
 
 using namespace CmpiCpp;
 namespace KDV {
-namespace { const std::string className = "KDV_SASSmartDrvCarrierBootldrElementFirmwareIdentity"; }
+namespace { constexpr char className[] = "KDV_SASSmartDrvCarrierBootldrElementFirmwareIdentity"; }
 
 using Link = KDV_SASSmartDrvCarrierBootldrElementFirmwareIdentity;
 

@@ -2,7 +2,7 @@
 
 using namespace CmpiCpp;
 namespace KDV {
-namespace { const std::string className = "KDV_SASSmartDrvCarrierBootldrInstalledFirmwareIdentity"; }
+namespace { constexpr char className[] = "KDV_SASSmartDrvCarrierBootldrInstalledFirmwareIdentity"; }
 
 using Link = KDV_SASSmartDrvCarrierBootldrInstalledFirmwareIdentity;
 

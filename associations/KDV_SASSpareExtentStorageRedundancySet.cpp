@@ -1,7 +1,7 @@
 #include "associations/KDV_SASSpareExtentStorageRedundancySet.h"
 
 namespace KDV {
-namespace { const std::string className = "KDV_SASSpareExtentStorageRedundancySet"; }
+namespace { constexpr char className[] = "KDV_SASSpareExtentStorageRedundancySet"; }
 
 KDV_SASSpareExtentStorageRedundancySet::KDV_SASSpareExtentStorageRedundancySet(
     const Logger& logger, const std::string& nameSpace,

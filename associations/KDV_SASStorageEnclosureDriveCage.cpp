@@ -1,7 +1,7 @@
 #include "associations/KDV_SASStorageEnclosureDriveCage.h"
 
 namespace KDV {
-namespace { const std::string className = "KDV_SASStorageEnclosureDriveCage"; }
+namespace { constexpr char className[] = "KDV_SASStorageEnclosureDriveCage"; }
 
 KDV_SASStorageEnclosureDriveCage::KDV_SASStorageEnclosureDriveCage(
     const Logger& logger, const std::string& nameSpace,

@@ -2,7 +2,7 @@
 
 using namespace CmpiCpp;
 namespace KDV {
-namespace { const std::string className = "KDV_SASStorageEnclosureEnclosureLocation"; }
+namespace { constexpr char className[] = "KDV_SASStorageEnclosureEnclosureLocation"; }
 
 using Link = KDV_SASStorageEnclosureEnclosureLocation;
 

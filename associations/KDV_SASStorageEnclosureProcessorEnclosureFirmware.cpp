@@ -2,7 +2,7 @@
 
 using namespace CmpiCpp;
 namespace KDV {
-namespace { const std::string className = "KDV_SASStorageEnclosureProcessorEnclosureFirmware"; }
+namespace { constexpr char className[] = "KDV_SASStorageEnclosureProcessorEnclosureFirmware"; }
 
 KDV_SASStorageEnclosureProcessorEnclosureFirmware::KDV_SASStorageEnclosureProcessorEnclosureFirmware(
     const Logger& logger, const std::string& nameSpace,

@@ -1,7 +1,7 @@
 #include "associations/KDV_SASStorageEnclosureStorageEnclosureProcessor.h"
 
 namespace KDV {
-namespace { const std::string className = "KDV_SASStorageEnclosureStorageEnclosureProcessor"; }
+namespace { constexpr char className[] = "KDV_SASStorageEnclosureStorageEnclosureProcessor"; }
 
 KDV_SASStorageEnclosureStorageEnclosureProcessor::KDV_SASStorageEnclosureStorageEnclosureProcessor(
     const Logger& logger, const std::string& nameSpace,

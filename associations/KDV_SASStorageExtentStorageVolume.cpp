@@ -1,7 +1,7 @@
 #include "associations/KDV_SASStorageExtentStorageVolume.h"
 
 namespace KDV {
-namespace { const std::string className = "KDV_SASStorageExtentStorageVolume"; }
+namespace { constexpr char className[] = "KDV_SASStorageExtentStorageVolume"; }
 
 KDV_SASStorageExtentStorageVolume::KDV_SASStorageExtentStorageVolume(
     const Logger& logger, const std::string& nameSpace,

@@ -2,7 +2,7 @@
 
 using namespace CmpiCpp;
 namespace KDV {
-namespace { const std::string className = "KDV_SASStorageGroupHostedCollection"; }
+namespace { constexpr char className[] = "KDV_SASStorageGroupHostedCollection"; }
 
 using Link = KDV_SASStorageGroupHostedCollection;
 

@@ -2,7 +2,7 @@
 
 using namespace CmpiCpp;
 namespace KDV {
-namespace { const std::string className = "KDV_SASStoragePoolStorageCapabilities"; }
+namespace { constexpr char className[] = "KDV_SASStoragePoolStorageCapabilities"; }
 
 using Link = KDV_SASStoragePoolStorageCapabilities;
 

@@ -1,7 +1,7 @@
 #include "associations/KDV_SASStoragePoolStorageExtent.h"
 
 namespace KDV {
-namespace { const std::string className = "KDV_SASStoragePoolStorageExtent"; }
+namespace { constexpr char className[] = "KDV_SASStoragePoolStorageExtent"; }
 
 KDV_SASStoragePoolStorageExtent::KDV_SASStoragePoolStorageExtent(
     const Logger& logger, const std::string& nameSpace,

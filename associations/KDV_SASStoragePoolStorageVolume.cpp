@@ -2,7 +2,7 @@
 
 using namespace CmpiCpp;
 namespace KDV {
-namespace { const std::string className = "KDV_SASStoragePoolStorageVolume"; }
+namespace { constexpr char className[] = "KDV_SASStoragePoolStorageVolume"; }
 
 KDV_SASStoragePoolStorageVolume::KDV_SASStoragePoolStorageVolume(
     const Logger& logger, const std::string& nameSpace,

@@ -2,7 +2,7 @@
 
 using namespace CmpiCpp;
 namespace KDV {
-namespace { const std::string className = "KDV_SASStorageRedundancySetStorageExtent"; }
+namespace { constexpr char className[] = "KDV_SASStorageRedundancySetStorageExtent"; }
 
 using Link = KDV_SASStorageRedundancySetStorageExtent;
 

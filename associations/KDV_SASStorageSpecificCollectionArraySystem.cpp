@@ -1,7 +1,7 @@
 #include "associations/KDV_SASStorageSpecificCollectionArraySystem.h"
 
 namespace KDV {
-namespace { const std::string className = "KDV_SASStorageSpecificCollectionArraySystem"; }
+namespace { constexpr char className[] = "KDV_SASStorageSpecificCollectionArraySystem"; }
 
 KDV_SASStorageSpecificCollectionArraySystem::KDV_SASStorageSpecificCollectionArraySystem(
     const Logger& logger, const std::string& nameSpace,

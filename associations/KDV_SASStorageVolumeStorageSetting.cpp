@@ -2,7 +2,7 @@
 
 using namespace CmpiCpp;
 namespace KDV {
-namespace { const std::string className = "KDV_SASStorageVolumeStorageSetting"; }
+namespace { constexpr char className[] = "KDV_SASStorageVolumeStorageSetting"; }
 
 using Link = KDV_SASStorageVolumeStorageSetting;
 

@@ -7,7 +7,7 @@
 
 using namespace CmpiCpp;
 namespace KDV {
-namespace { const std::string className = "KDV_SASArrayController"; }
+namespace { constexpr char className[] = "KDV_SASArrayController"; }
 
 KDV_SASArrayController::KDV_SASArrayController(const Logger& logger, const std::string& nameSpace,
                                                const SasHbaRecord* hba)

@@ -10,7 +10,7 @@ using namespace CmpiCpp;
 namespace KDV {
 namespace {
 
-const std::string className = "KDV_SASArraySystemLocation";
+constexpr char className[] = "KDV_SASArraySystemLocation";
 
 std::string slotNumberText(const SasHbaRecord& hba)
 {

@@ -12,7 +12,7 @@ using namespace CmpiCpp;
 namespace KDV {
 namespace {
 
-const std::string className = "KDV_SASDiskDrive";
+constexpr char className[] = "KDV_SASDiskDrive";
 
 constexpr std::uint8_t solidState = 3;
 constexpr std::uint8_t noSmartCarrier = 2;

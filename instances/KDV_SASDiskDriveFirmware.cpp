@@ -8,7 +8,7 @@
 
 using namespace CmpiCpp;
 namespace KDV {
-namespace { const std::string className = "KDV_SASDiskDriveFirmware"; }
+namespace { constexpr char className[] = "KDV_SASDiskDriveFirmware"; }
 
 KDV_SASDiskDriveFirmware::KDV_SASDiskDriveFirmware(const Logger& logger, const std::string& nameSpace,
                                                    const SasPhysicalDriveRecord* drive)

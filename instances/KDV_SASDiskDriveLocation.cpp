@@ -10,7 +10,7 @@ using namespace CmpiCpp;
 namespace KDV {
 namespace {
 
-const std::string className = "KDV_SASDiskDriveLocation";
+constexpr char className[] = "KDV_SASDiskDriveLocation";
 
 std::string locationName(const SasPhysicalDriveRecord& drive)
 {

@@ -9,7 +9,7 @@ using namespace CmpiCpp;
 namespace KDV {
 namespace {
 
-const std::string className = "KDV_SASDiskPhysicalPackage";
+constexpr char className[] = "KDV_SASDiskPhysicalPackage";
 
 constexpr std::uint8_t hotSwappableCode = 2;
 

@@ -12,7 +12,7 @@ using namespace CmpiCpp;
 namespace KDV {
 namespace {
 
-const std::string className = "KDV_SASDriveCage";
+constexpr char className[] = "KDV_SASDriveCage";
 
 // Code 1 says that the speed is unknown; for other codes nothing is said.
 constexpr CodeMap<std::optional<std::uint16_t>, 3> backplaneSpeed{{{1, 0}, {2, 2}, {3, 3}}, std::nullopt};

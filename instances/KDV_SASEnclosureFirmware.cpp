@@ -8,7 +8,7 @@
 
 using namespace CmpiCpp;
 namespace KDV {
-namespace { const std::string className = "KDV_SASEnclosureFirmware"; }
+namespace { constexpr char className[] = "KDV_SASEnclosureFirmware"; }
 
 KDV_SASEnclosureFirmware::KDV_SASEnclosureFirmware(const Logger& logger, const std::string& nameSpace,
                                                    const SasStorageBoxRecord* box)

@@ -10,7 +10,7 @@ using namespace CmpiCpp;
 namespace KDV {
 namespace {
 
-const std::string className = "KDV_SASFirmware";
+constexpr char className[] = "KDV_SASFirmware";
 
 std::string instanceId(const SasHbaRecord& hba)
 {

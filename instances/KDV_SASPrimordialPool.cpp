@@ -10,7 +10,7 @@ using namespace CmpiCpp;
 namespace KDV {
 namespace {
 
-const std::string className = "KDV_SASPrimordialPool";
+constexpr char className[] = "KDV_SASPrimordialPool";
 
 std::string instanceId(std::uint32_t hbaNumber)
 {

@@ -10,7 +10,7 @@ using namespace CmpiCpp;
 namespace KDV {
 namespace {
 
-const std::string className = "KDV_SASPrimordialPoolNoRaid";
+constexpr char className[] = "KDV_SASPrimordialPoolNoRaid";
 
 std::string instanceId(std::uint32_t hbaNumber)
 {

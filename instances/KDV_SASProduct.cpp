@@ -9,7 +9,7 @@ using namespace CmpiCpp;
 namespace KDV {
 namespace {
 
-const std::string className = "KDV_SASProduct";
+constexpr char className[] = "KDV_SASProduct";
 
 std::string identifyingNumber(std::uint32_t hbaNumber)
 {

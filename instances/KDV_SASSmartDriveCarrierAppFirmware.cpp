@@ -10,7 +10,7 @@ using namespace CmpiCpp;
 namespace KDV {
 namespace {
 
-const std::string className = "KDV_SASSmartDriveCarrierAppFirmware";
+constexpr char className[] = "KDV_SASSmartDriveCarrierAppFirmware";
 
 constexpr char displayText[] = "Smart Drive Carrier Application Firmware";
 

@@ -10,7 +10,7 @@ using namespace CmpiCpp;
 namespace KDV {
 namespace {
 
-const std::string className = "KDV_SASSmartDriveCarrierBootldrFirmware";
+constexpr char className[] = "KDV_SASSmartDriveCarrierBootldrFirmware";
 
 constexpr char displayText[] = "Smart Drive Carrier Bootloader Firmware";
 

@@ -10,7 +10,7 @@ using namespace CmpiCpp;
 namespace KDV {
 namespace {
 
-const std::string className = "KDV_SASStorageCapabilities";
+constexpr char className[] = "KDV_SASStorageCapabilities";
 
 enum PoolKind : std::uint32_t { primordialPool, primordialPoolNoRaid, storagePool };
 

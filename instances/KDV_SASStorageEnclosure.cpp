@@ -10,7 +10,7 @@ using namespace CmpiCpp;
 namespace KDV {
 namespace {
 
-const std::string className = "KDV_SASStorageEnclosure";
+constexpr char className[] = "KDV_SASStorageEnclosure";
 
 constexpr CodeMap<std::uint16_t, 2> enclosureLocation{{{2, 1}, {3, 2}}, 0}; // Internal, External
 

@@ -11,7 +11,7 @@ using namespace CmpiCpp;
 namespace KDV {
 namespace {
 
-const std::string className = "KDV_SASStorageEnclosureLocation";
+constexpr char className[] = "KDV_SASStorageEnclosureLocation";
 
 constexpr CodeMap<const char*, 2> locationTag{{{2, "Internal"}, {3, "External"}}, "Unknown"};
 

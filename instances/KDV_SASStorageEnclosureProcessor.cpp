@@ -10,7 +10,7 @@ using namespace CmpiCpp;
 namespace KDV {
 namespace {
 
-const std::string className = "KDV_SASStorageEnclosureProcessor";
+constexpr char className[] = "KDV_SASStorageEnclosureProcessor";
 
 constexpr CodeMap<std::uint16_t, 3> boxStatus{
     {{2, OperationalStatus::OK}, {3, OperationalStatus::Degraded}, {4, OperationalStatus::Error}},

@@ -9,7 +9,7 @@ using namespace CmpiCpp;
 namespace KDV {
 namespace {
 
-const std::string className = "KDV_SASStorageExtent";
+constexpr char className[] = "KDV_SASStorageExtent";
 
 // The second kind of predictive failure (10) and degraded (12) are Unknown here, unlike in the disk drive.
 constexpr CodeMap<std::uint16_t, 8> extentDriveStatus{

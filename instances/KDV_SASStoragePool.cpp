@@ -10,7 +10,7 @@ using namespace CmpiCpp;
 namespace KDV {
 namespace {
 
-const std::string className = "KDV_SASStoragePool";
+constexpr char className[] = "KDV_SASStoragePool";
 
 std::string instanceId(std::uint32_t hbaNumber)
 {

@@ -11,7 +11,7 @@ using namespace CmpiCpp;
 namespace KDV {
 namespace {
 
-const std::string className = "KDV_SASStorageRedundancySet";
+constexpr char className[] = "KDV_SASStorageRedundancySet";
 
 // Fully Redundant and Redundancy Lost; nothing is said of any other state, rebuilding among them.
 constexpr CodeMap<std::optional<std::uint16_t>, 2> redundancyStatus{{{2, 2}, {3, 4}}, std::nullopt};

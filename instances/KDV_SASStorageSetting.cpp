@@ -9,7 +9,7 @@ using namespace CmpiCpp;
 namespace KDV {
 namespace {
 
-const std::string className = "KDV_SASStorageSetting";
+constexpr char className[] = "KDV_SASStorageSetting";
 
 std::string instanceId(const SasHbaRecord& hba, const SasLogicalDriveRecord& logicalDrive)
 {

@@ -10,7 +10,7 @@ using namespace CmpiCpp;
 namespace KDV {
 namespace {
 
-const std::string className = "KDV_SASStorageSpecificCollection";
+constexpr char className[] = "KDV_SASStorageSpecificCollection";
 
 constexpr char instanceId[] = "KDV_SASStorageSpecificCollection-1";
 

@@ -12,7 +12,7 @@ using namespace CmpiCpp;
 namespace KDV {
 namespace {
 
-const std::string className = "KDV_SASStorageVolume";
+constexpr char className[] = "KDV_SASStorageVolume";
 
 constexpr CodeMap<std::uint16_t, 3> volumeStatus{
     {{2, OperationalStatus::OK}, {3, OperationalStatus::Degraded}, {4, OperationalStatus::Error}},

@@ -62,6 +62,8 @@ void KDVSASHBAProvider::getInstance(const CmpiContext& context, const CmpiObject
 
 bool KDVSASHBAProvider::cleanup(const CmpiContext&, bool terminating)
 {
+    if (terminating)
+        _ending = true;
     return terminating;
 }
 

@@ -129,9 +129,11 @@ private:
     Logger _logger;
     CmpiManagedInstanceCollection _collection;
     std::atomic<bool> _indicationsEnabled; // written by requests without the lock, read by the pass
-    alignas(8) SasDataRoot _sasData;
+    SasDataRoot _sasData;
     std::vector<SasHba*> _hbas; // in the order of the records
     pthread_mutex_t _mutex;
+    std::atomic<bool> _ending{false}; // the server ends: a pass in progress makes no more calls
+    bool _cleanupDue = false;         // something hidden waits to be disposed of
 };
 
 static_assert(sizeof(std::atomic<bool>) == 1);

@@ -8,7 +8,7 @@ using namespace CmpiCpp;
 namespace KDV {
 namespace {
 
-const std::string className = "KDV_AutoStartSASHBA";
+constexpr char className[] = "KDV_AutoStartSASHBA";
 
 constexpr std::uint16_t pollSeconds = 30;
 constexpr std::uint16_t staggerSeconds = 28; // just below the interval: first passes spread over nearly all of it

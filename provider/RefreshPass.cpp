@@ -63,12 +63,17 @@ std::uint32_t KDVSASHBAProvider::_backgroundWorker(const CmpiContext& context)
     if (!_sasData.hbas) // no data when the provider was made, and nobody looks again
         return 0;
     UpdateSasData(&_sasData);
+    if (_ending) // the server takes no more calls
+        return 0;
     _collection.refreshed();
-    const bool removed = _followHotPlug();
-    if (_indicationsEnabled)
+    // Kept until it is done: when a check fails, the next pass disposes of what this one has hidden.
+    _cleanupDue = _followHotPlug() || _cleanupDue;
+    if (_indicationsEnabled && !_ending)
         _checkSasIndications(context);
-    if (removed)
+    if (_cleanupDue) {
         _collection.cleanup();
+        _cleanupDue = false;
+    }
     return 0;
 }
 

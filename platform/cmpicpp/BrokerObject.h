@@ -92,4 +92,10 @@ inline const CMPIValue* charsValue(const char* text) noexcept
     return static_cast<const CMPIValue*>(static_cast<const void*>(text));
 }
 
+// A value read from a broker as the argument of a call: with CMPI_chars the text itself stands in the value's place.
+inline const CMPIValue* asArgument(const CMPIData& data) noexcept
+{
+    return data.type == CMPI_chars ? charsValue(data.value.chars) : &data.value;
+}
+
 } // namespace CmpiCpp

@@ -97,7 +97,7 @@ void CmpiInstance::setKeys(const CMPIObjectPath* path)
     }
     for (const PathKey& key : keys) {
         if (key.isNull()) continue;
-        const CMPIStatus status = _raw->ft->setProperty(_raw, key.name, &key.data.value, key.data.type);
+        const CMPIStatus status = _raw->ft->setProperty(_raw, key.name, asArgument(key.data), key.data.type);
         const bool mismatch = status.rc == CMPI_RC_ERR_TYPE_MISMATCH || status.rc == CMPI_RC_ERR_INVALID_DATA_TYPE;
         if (!(mismatch && isNumber(key.data.type))) throwIfFailed(status, "setProperty");
     }

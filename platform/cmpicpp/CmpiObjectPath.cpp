@@ -18,7 +18,7 @@ const char* defaultNameSpace() noexcept { return defaultNameSpaceText.load(std::
 // Some servers read every number back as sint64 but want an unsigned one where the class declares it so.
 CMPIStatus addSameKey(const CMPIObjectPath* path, const PathKey& key)
 {
-    const CMPIStatus status = path->ft->addKey(path, key.name, &key.data.value, key.data.type);
+    const CMPIStatus status = path->ft->addKey(path, key.name, asArgument(key.data), key.data.type);
     const bool mismatch = status.rc == CMPI_RC_ERR_TYPE_MISMATCH || status.rc == CMPI_RC_ERR_INVALID_DATA_TYPE;
     if (!mismatch || key.data.type != CMPI_sint64 || key.data.value.sint64 < 0) return status;
     CMPIValue value = blankValue();

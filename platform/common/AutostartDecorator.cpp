@@ -148,6 +148,14 @@ AutostartDecorator::Ask AutostartDecorator::kindOf(const CmpiName& className)
     return isAbove ? Ask::above : Ask::other;
 }
 
+// A broker says no also when it does not know the class yet; what it denied is asked again once a pass.
+void AutostartDecorator::askAgain()
+{
+    std::lock_guard<std::mutex> lock(_askedMutex);
+    for (auto asked = _asked.begin(); asked != _asked.end();)
+        asked = asked->second ? std::next(asked) : _asked.erase(asked);
+}
+
 void AutostartDecorator::enumInstanceNames(const CmpiContext& context, const CmpiObjectPath& classPath,
                                            const CmpiObjectPathResult& result)
 {
@@ -189,7 +197,10 @@ void AutostartDecorator::getInstance(const CmpiContext& context, const CmpiObjec
 void AutostartDecorator::invokeMethod(const CmpiContext& context, const CmpiObjectPath& path, const CmpiName& method,
                                       const CmpiArgs& arguments, const CmpiMethodResult& result)
 {
-    if (method == CmpiName(workerMethod)) ++_schedule->target().callsSeen;
+    if (method == CmpiName(workerMethod)) {
+        ++_schedule->target().callsSeen;
+        askAgain();
+    }
     ProviderForwarder::invokeMethod(context, path, method, arguments, result);
 }
 

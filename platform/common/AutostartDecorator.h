@@ -76,6 +76,7 @@ private:
 
     enum class Ask { other, above, own };
     Ask kindOf(const CmpiCpp::CmpiName& className);
+    void askAgain();
 
     Logger _logger;
     std::shared_ptr<CmpiCpp::CmpiProvider> _decorated;
@@ -86,3 +87,7 @@ private:
 };
 
 } // namespace KDV
+
+// The same by an unmangled name, for libraries that know of nothing here but this: a data library that hears of a plug
+// event looks it up at run time.
+extern "C" KDV_COMMON_API void kdvRequestPass() noexcept;

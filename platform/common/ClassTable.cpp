@@ -78,4 +78,11 @@ bool ClassTable::isA(ClassNumber number, const CmpiName& asked)
     return answers[number] == Answer::yes;
 }
 
+void ClassTable::askAgain()
+{
+    for (auto& asked : _answers)
+        for (Answer& answer : asked.second)
+            if (answer == Answer::no) answer = Answer::none;
+}
+
 } // namespace KDV

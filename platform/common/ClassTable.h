@@ -38,6 +38,8 @@ public:
     // Is the class the asked one or below it? Empty text asks for nothing. Where the broker cannot tell, equal names
     // decide. The class's namespace must be known.
     bool isA(ClassNumber number, const CmpiCpp::CmpiName& asked);
+    // A broker says no also when it does not know the class yet: what it denied is asked again from here on.
+    void askAgain();
     bool isAnswerKnown(ClassNumber number, const CmpiCpp::CmpiName& asked) const;
 
 private:

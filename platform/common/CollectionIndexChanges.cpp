@@ -161,6 +161,7 @@ std::vector<CollectionIndex::Link> CollectionIndex::linksAfter(const std::vector
 
 void CollectionIndex::refreshed()
 {
+    _classes.askAgain();
     const std::vector<Move> moved = moves();
     if (!moved.empty()) {
         Ids instances;

@@ -139,8 +139,9 @@ std::string contentOf(const std::string& file, const struct stat& stamp)
 
 std::shared_ptr<const IndicationEvents> load(const std::string& file, const Logger& logger)
 {
-    static std::mutex mutex;
-    static std::map<std::string, CachedFile> cache;
+    // Never destroyed: a pass may still build an alert while the process ends.
+    static std::mutex& mutex = *new std::mutex;
+    static auto& cache = *new std::map<std::string, CachedFile>;
     const std::lock_guard<std::mutex> lock(mutex);
     CachedFile& cached = cache[file];
     struct stat stamp = {};

@@ -43,15 +43,16 @@ void PassSchedule::takeContext(const CMPIContext* context) noexcept
 {
     if (!context || _stopped || !_wantsContext.exchange(false)) return;
     PassOutcome failure;
+    const CMPIContext* prepared = nullptr;
     try {
         const CMPIBroker* const broker = _target.broker;
-        const CMPIContext* const prepared =
-            broker->bft->prepareAttachThread ? broker->bft->prepareAttachThread(broker, context) : nullptr;
+        if (broker->bft->prepareAttachThread) prepared = broker->bft->prepareAttachThread(broker, context);
         if (prepared)
             useContext(prepared);
         else
             failure = "the broker prepares no context for a thread; there are no passes until it does";
     } catch (const std::exception& exception) {
+        abandon(prepared); // the schedule did not take it
         failure = exception.what();
     }
     if (failure.empty()) return;
@@ -66,13 +67,14 @@ void PassSchedule::useContext(const CMPIContext* prepared)
         abandon(prepared);
         return;
     }
-    _context = prepared;
+    // What may fail comes first: then the next operation tries again with a context of its own.
     if (!_keepsTime) {
+        const PassClock::Time delay = _clock->randomPart(_timing.stagger);
         startThread(timeThread);
         _keepsTime = true;
-        const PassClock::Time now = _clock->now();
-        _timetable.start(now, _clock->randomPart(_timing.stagger));
+        _timetable.start(_clock->now(), delay);
     }
+    _context = prepared;
     pthread_cond_broadcast(&_wake);
 }
 

@@ -82,6 +82,28 @@ private:
     const std::atomic<bool>& _stopped;
 };
 
+// The path of the auto-start instance; left to the server when the schedule was stopped in the meantime.
+class WorkerPath {
+public:
+    WorkerPath(const WorkerTarget& target, const std::atomic<bool>& stopped)
+        : _path(makeCmpiObjectPath(target.broker, target.nameSpace, target.className)), _stopped(stopped)
+    {
+        _path.setHost(KDVUtil::getHostName());
+        _path.addKey("ProviderName", target.providerName);
+    }
+    WorkerPath(const WorkerPath&) = delete;
+    WorkerPath& operator=(const WorkerPath&) = delete;
+    ~WorkerPath()
+    {
+        if (_stopped) _path.detach();
+    }
+    const CmpiObjectPath& path() const noexcept { return _path; }
+
+private:
+    CmpiObjectPath _path;
+    const std::atomic<bool>& _stopped;
+};
+
 PassOutcome outcomeOf(CMPIUint32 value)
 {
     return value == 0 ? PassOutcome() : "the worker method returned " + std::to_string(value);
@@ -93,7 +115,7 @@ PassOutcome callProvider(WorkerTarget& target, const CMPIContext* context, const
     const std::shared_ptr<CmpiProvider> provider = target.provider.lock();
     auto* const methods = dynamic_cast<CmpiMethodProvider*>(provider.get());
     if (!methods) return "the provider has no methods";
-    const NumberResult result;
+    NumberResult result; // its functions write to it
     methods->invokeMethod(CmpiContext(context), path, AutostartDecorator::workerMethod, arguments,
                           CmpiMethodResult(&result.raw));
     return result.isSet ? outcomeOf(result.value) : "the worker method returned nothing";
@@ -104,6 +126,7 @@ PassOutcome callThroughBroker(WorkerTarget& target, const CMPIContext* context, 
 {
     const CMPIBroker* const broker = target.broker;
     const unsigned seen = target.callsSeen;
+    if (stopped) return {};
     if (broker->bft->invokeMethod) {
         CMPIStatus status{CMPI_RC_OK, nullptr};
         const CMPIData value = broker->bft->invokeMethod(broker, context, path.raw(), AutostartDecorator::workerMethod,
@@ -132,17 +155,10 @@ PassOutcome refusal(const char* what, const CMPIStatus& status)
 PassOutcome callWorker(WorkerTarget& target, const CMPIContext* context, const std::atomic<bool>& stopped)
 {
     try {
-        CmpiObjectPath path = makeCmpiObjectPath(target.broker, target.nameSpace, target.className);
-        path.setHost(KDVUtil::getHostName());
-        path.addKey("ProviderName", target.providerName);
-        PassOutcome outcome;
-        {
-            const Arguments in(target.broker, stopped);
-            const Arguments out(target.broker, stopped);
-            outcome = callThroughBroker(target, context, path, CmpiArgs(in.raw(), out.raw()), stopped);
-        }
-        if (stopped) path.detach();
-        return outcome;
+        const WorkerPath worker(target, stopped);
+        const Arguments in(target.broker, stopped);
+        const Arguments out(target.broker, stopped);
+        return callThroughBroker(target, context, worker.path(), CmpiArgs(in.raw(), out.raw()), stopped);
     } catch (const CmpiStatus& status) {
         return std::string("code ") + std::to_string(static_cast<int>(status.code())) + ", " + status.str();
     } catch (const std::exception& failure) {

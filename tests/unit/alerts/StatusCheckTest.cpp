@@ -207,6 +207,32 @@ TEST_P(StatusChecks, EndAtASenderThatFailsAndTakeTheRestUpInTheNextPass)
     EXPECT_EQ(eventsOfPass(), (Events{"103", "204", "306"}));
 }
 
+TEST_P(StatusChecks, ThatFailLeaveTheDisposalOfAPulledDiskToTheNextPass)
+{
+    watch();
+    eventsOfPass();
+    machine.pull(hba, 7);
+    volume.redundancyState = 3;
+    broker.failAfter(1, CMPI_RC_ERR_FAILED);
+    EXPECT_EQ(requests().pass().rc, CMPI_RC_ERR_FAILED);
+    broker.failAfter(0, CMPI_RC_OK);
+    EXPECT_EQ(linesWith("cleanup() disposed"), Lines{});
+    EXPECT_EQ(eventsOfPass(), Events{"103"});
+    EXPECT_EQ(linesWith("cleanup() disposed").size(), 1u);
+    eventsOfPass();
+    EXPECT_EQ(linesWith("cleanup() disposed"), Lines{});
+}
+
+TEST_P(StatusChecks, SendNothingAnyMoreOnceTheServerEnds)
+{
+    watch();
+    eventsOfPass();
+    EXPECT_TRUE(provider->cleanup(CmpiCpp::CmpiContext(nullptr), true));
+    drive.status = 3;
+    EXPECT_EQ(eventsOfPass(), Events{});
+    EXPECT_EQ(drive.oldStatus, 2);
+}
+
 KDV_UNDER_EVERY_BROKER(StatusChecks);
 
 } // namespace
