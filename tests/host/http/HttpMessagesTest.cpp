@@ -172,7 +172,7 @@ TEST_F(HttpMessages, RefusesWhatIsNoHttp)
     EXPECT_EQ(statusAndClose("POST /cimom HTTP/1.1\r\nHost x\r\n\r\n"), 400u);
     EXPECT_EQ(statusAndClose("POST /cimom HTTP/1.1\r\nContent-Length: 0\r\n\r\n"), 400u) << "no Host";
     EXPECT_EQ(statusAndClose("POST /cimom HTTP/1.1\r\nHost: x\r\nHost: y\r\nContent-Length: 0\r\n\r\n"), 400u);
-    EXPECT_EQ(statusAndClose(std::string("POST /\0cimom HTTP/1.1\r\nHost: x\r\n\r\n", 36)), 400u);
+    EXPECT_EQ(statusAndClose("POST /" + std::string(1, '\0') + "cimom HTTP/1.1\r\nHost: x\r\n\r\n"), 400u);
     EXPECT_EQ(statusAndClose("\x16\x03\x01\x02\x00\x01\x00\x01\xfc\x03\x03\r\n\r\n"), 400u) << "TLS on a plain port";
 }
 
