@@ -36,7 +36,7 @@ std::size_t onHeader(char* bytes, std::size_t size, std::size_t count, void* dat
     return size * count;
 }
 
-// RFC 3986, section 2.1: everything but unreserved characters.
+// As RFC 3986 says: everything but unreserved characters.
 std::string percentEncoded(const std::string& text)
 {
     static constexpr char digits[] = "0123456789ABCDEF";
