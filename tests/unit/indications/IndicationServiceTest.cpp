@@ -1,5 +1,5 @@
 #include "ServiceFixture.h"
-#include "TestListener.h"
+#include "listenertest/TestListener.h"
 
 #include <algorithm>
 #include <sys/socket.h>

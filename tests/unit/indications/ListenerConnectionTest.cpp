@@ -1,7 +1,7 @@
 #include "indications/ListenerConnection.h"
 
 #include "DeliveryFakes.h"
-#include "TestListener.h"
+#include "listenertest/TestListener.h"
 
 #include <future>
 

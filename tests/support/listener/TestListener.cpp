@@ -1,4 +1,4 @@
-#include "TestListener.h"
+#include "listenertest/TestListener.h"
 
 #include <arpa/inet.h>
 #include <cstring>
