@@ -57,7 +57,7 @@ TEST(Corpus, EveryDamagedFileIsAnswered)
     for (const std::string& input : corpus()) {
         for (int turn = 0; turn < 400 && !input.empty(); ++turn) {
             std::string damaged = input;
-            for (std::uint32_t hits = 1 + random() % 6; hits > 0; --hits)
+            for (auto hits = 1 + random() % 6; hits > 0; --hits)
                 damaged[random() % damaged.size()] = static_cast<char>(random());
             EXPECT_EQ(runOn(damaged), 0);
         }
