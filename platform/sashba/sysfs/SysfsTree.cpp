@@ -15,6 +15,7 @@ namespace KDV {
 namespace {
 
 constexpr std::size_t mostBytes = 8192; // an attribute is at most a page; VPD pages and captures may be a little longer
+constexpr std::size_t wholePage = 4096;
 constexpr std::size_t mostNames = 16384;
 constexpr std::size_t mostPath = 4096;
 
@@ -96,9 +97,9 @@ std::optional<std::string> SysfsTree::bytes(const std::string& path) const
             continue;
         if (got < 0)
             return std::nullopt; // a driver says that it has no such value, or the device has just gone
-        if (got == 0)
-            break;
         filled += static_cast<std::size_t>(got);
+        if (got == 0 || filled < wholePage) // the kernel gives an attribute of less than a page at once
+            break;
     }
     return std::string(buffer, filled);
 }

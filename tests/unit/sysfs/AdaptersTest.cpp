@@ -90,8 +90,8 @@ TEST(LiveAdapters, MptsasWhosePhysShowTheDisksAddressAndWhoseBaysAreAllZero)
         << "an address of a disk does not name the adapter";
     EXPECT_EQ(records.driveNumbers(), (std::vector<std::uint32_t>{2, 3})) << "by port: a bay of no enclosure is none";
     EXPECT_EQ(textOf(records.drives()[1]->location), "Port 3 Device 3");
-    EXPECT_EQ(records.drives()[1]->hbaNumber, 2U);
-    EXPECT_EQ(records.drives()[1]->boxIdentifier, 0U);
+    EXPECT_EQ(+records.drives()[1]->hbaNumber, 2U);
+    EXPECT_EQ(+records.drives()[1]->boxIdentifier, 0U);
     EXPECT_EQ(records.drives()[1]->hotPlug, 0);
     EXPECT_TRUE(records.boxes().empty());
 }
@@ -202,7 +202,7 @@ TEST(LiveAdapters, LibsasDriverWithBaysByWiringOnly)
     EXPECT_EQ(fieldsOf(*records.boxes()[0]), "boxNumber = 1\nmodel = SHELF EXP\nfirmwareVersion = 0212\n"
                                              "manufacturer = GLOBEX\nhbaNumber = 5\nname = Port 0 Box 1\n");
     ASSERT_EQ(records.drives().size(), 1U);
-    EXPECT_EQ(records.drives()[0]->driveNumber, 1011U);
+    EXPECT_EQ(+records.drives()[0]->driveNumber, 1011U);
     EXPECT_EQ(textOf(records.drives()[0]->location), "Port 0 Box 1 Bay 11");
     EXPECT_EQ(textOf(records.drives()[0]->name), "5000A72001240001") << "its SAS address where it has no other name";
 }
@@ -243,8 +243,8 @@ TEST(LiveAdapters, StandInTheOrderOfTheirPciAddressesAndOthersAreLeftOut)
     sysfs.addHba({1, "pci0000:00/0000:00:1f.2", "ahci", "running", false, {}});
     LiveRecords records(sysfs);
     ASSERT_EQ(records.hbas().size(), 2U);
-    EXPECT_EQ(records.hba(0).hbaNumber, 9U);
-    EXPECT_EQ(records.hba(1).hbaNumber, 7U);
+    EXPECT_EQ(+records.hba(0).hbaNumber, 9U);
+    EXPECT_EQ(+records.hba(1).hbaNumber, 7U);
 }
 
 TEST(LiveAdapters, AMachineWithoutOneIsNoErrorAndSaysWhatToTry)

@@ -117,7 +117,7 @@ TEST(Asking, OpensNoDeviceOnTheRefreshingThreadWith1255Disks)
     for (int pass = 0; pass < 5; ++pass)
         records.refresh();
     for (const SasPhysicalDriveRecord* drive : records.drives())
-        EXPECT_EQ(drive->status, 2) << drive->driveNumber;
+        EXPECT_EQ(drive->status, 2) << +drive->driveNumber;
     const std::lock_guard<std::mutex> guard(devices->lock);
     EXPECT_GE(devices->opened, 1255U);
     EXPECT_EQ(devices->openedOn.count(std::this_thread::get_id()), 0U);
@@ -232,9 +232,9 @@ TEST_F(AskedPages, ASolidStateDiskWithItsWear)
     const SasPhysicalDriveRecord& drive = *records.drives().at(0);
     EXPECT_EQ(drive.status, 2);
     EXPECT_EQ(drive.mediaType, 3);
-    EXPECT_EQ(drive.ssdPowerOnHours, 10U);
-    EXPECT_EQ(drive.ssdEnduranceUsed, 12U);
-    EXPECT_EQ(drive.ssdLifeRemaining, 88U);
+    EXPECT_EQ(+drive.ssdPowerOnHours, 10U);
+    EXPECT_EQ(+drive.ssdEnduranceUsed, 12U);
+    EXPECT_EQ(+drive.ssdLifeRemaining, 88U);
     EXPECT_EQ(drive.ssdWearStatus, 0);
 }
 
@@ -296,7 +296,7 @@ TEST_F(AskedPages, AnEnclosureThatTheKernelsDriverPassedOver)
               "name = Port 4 Box 1\n");
     ASSERT_EQ(records.drives().size(), 1U);
     EXPECT_EQ(textOf(records.drives()[0]->location), "Port 4 Box 1 Bay 12") << "the box knows the bay of the address";
-    EXPECT_EQ(records.drives()[0]->driveNumber, 1012U);
+    EXPECT_EQ(+records.drives()[0]->driveNumber, 1012U);
     EXPECT_EQ(records.drives()[0]->status, 4) << "its box says that it failed";
 }
 

@@ -149,9 +149,9 @@ TEST_F(LiveDrives, SayTheirSizeInBlocksThatFit)
         own.addDisk(ownHost, disk);
         const LiveRecords records(own);
         const SasPhysicalDriveRecord& drive = *records.drives().at(0);
-        EXPECT_EQ(drive.size, one.size) << one.sectors;
-        EXPECT_EQ(drive.blockSize, one.blockSize) << one.sectors;
-        EXPECT_EQ(drive.blockCount, one.blocks) << one.sectors;
+        EXPECT_EQ(+drive.size, one.size) << one.sectors;
+        EXPECT_EQ(+drive.blockSize, one.blockSize) << one.sectors;
+        EXPECT_EQ(+drive.blockCount, one.blocks) << one.sectors;
     }
 }
 

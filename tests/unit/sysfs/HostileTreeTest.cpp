@@ -48,8 +48,8 @@ void checkRecords(const LiveRecords& records)
         }
         for (const SasLogicalDriveRecord* volume : records.volumes(i)) {
             checkText(volume->osName);
-            EXPECT_LE(volume->memberCount, 16U);
-            EXPECT_LE(volume->spareCount, 16U);
+            EXPECT_LE(+volume->memberCount, 16U);
+            EXPECT_LE(+volume->spareCount, 16U);
         }
     }
 }

@@ -74,7 +74,7 @@ public:
     {
         std::vector<std::uint32_t> numbers;
         for (const SasPhysicalDriveRecord* drive : drives(hbaIndex))
-            numbers.push_back(drive->driveNumber);
+            numbers.push_back(+drive->driveNumber);
         return numbers;
     }
 

@@ -88,7 +88,7 @@ TEST_F(LiveArrays, AMirrorThatLostADriveRebuildsOnItsSpare)
     records.refresh();
     EXPECT_EQ(records.volumes()[0]->status, 2);
     EXPECT_EQ(records.volumes()[0]->redundancyState, 2);
-    EXPECT_EQ(records.volumes()[0]->rebuildingDrive, 0xFFFFFFFFU);
+    EXPECT_EQ(+records.volumes()[0]->rebuildingDrive, 0xFFFFFFFFU);
 }
 
 TEST_F(LiveArrays, TooManyMissingDrivesOrADeadStateIsAFailedArray)
@@ -135,7 +135,7 @@ TEST_F(LiveArrays, PartitionsCountForTheirDisksOnceAndForeignDisksNotAtAll)
     LiveRecords records(sysfs);
     ASSERT_EQ(records.volumes().size(), 1U) << "an array of other disks only is no volume of this adapter";
     EXPECT_EQ(textOf(records.volumes()[0]->osName), "/dev/md_home");
-    EXPECT_EQ(records.volumes()[0]->memberCount, 1U);
+    EXPECT_EQ(+records.volumes()[0]->memberCount, 1U);
 }
 
 TEST_F(LiveArrays, MoreMembersThanARecordHoldsAreCutInBothItsCountAndItsList)
@@ -153,9 +153,9 @@ TEST_F(LiveArrays, MoreMembersThanARecordHoldsAreCutInBothItsCountAndItsList)
         sysfs.addMdMember(md, sysfs.addDisk(host, disk), disk.block, std::to_string(i - 10), "in_sync");
     }
     LiveRecords records(sysfs);
-    EXPECT_EQ(records.volumes().at(0)->memberCount, 16U);
-    EXPECT_EQ(records.volumes().at(0)->members[15], 25U);
-    EXPECT_EQ(records.volumes().at(0)->spareCount, 0U);
+    EXPECT_EQ(+records.volumes().at(0)->memberCount, 16U);
+    EXPECT_EQ(+records.volumes().at(0)->members[15], 25U);
+    EXPECT_EQ(+records.volumes().at(0)->spareCount, 0U);
 }
 
 TEST_F(LiveArrays, AFirmwareVolumeOfTheRaidClass)
