@@ -85,10 +85,18 @@ TEST(ReplyReader, RefusesADoctype)
 
 TEST(ReplyReader, RefusesWhatIsNestedTooDeeply)
 {
-    std::string deep;
+    std::string deep = "<CIM>";
     for (int i = 0; i < 100; ++i)
         deep += "<A>";
     EXPECT_THROW(read(deep), std::runtime_error);
+}
+
+TEST(ReplyReader, RefusesADocumentThatIsNoMessage)
+{
+    for (const char* other : {"<html><body>It works!</body></html>", "<CIM/>",
+                              "<CIM><MESSAGE ID=\"7\"><SIMPLERSP/></MESSAGE></CIM>",
+                              "<html><IMETHODRESPONSE NAME=\"X\"/></html>"})
+        EXPECT_THROW(read(other), std::runtime_error) << other;
 }
 
 TEST(ReplyReader, RefusesAMessageThatEndsEarly)
