@@ -35,6 +35,7 @@ struct ReplyReader::State {
     bool inProperty = false;
     Path lastPath; // waits for the instance that it names
     bool hasLastPath = false;
+    bool hasContent = false; // a response or an export call, without which any document would pass for an empty reply
 
     ~State() { XML_ParserFree(parser); }
 
@@ -43,6 +44,12 @@ struct ReplyReader::State {
     void startKey(const char** attributes);
     void endPath();
     void startProperty(const char** attributes, bool isArray, const char* type);
+
+    void refuse(const char* why)
+    {
+        failure = why;
+        XML_StopParser(parser, XML_FALSE);
+    }
 
     std::string nameSpace() const
     {
@@ -55,11 +62,8 @@ struct ReplyReader::State {
     static void onStart(void* data, const char* name, const char** attributes)
     {
         State& state = *static_cast<State*>(data);
-        if (++state.depth > deepest) {
-            state.failure = "nested too deeply";
-            XML_StopParser(state.parser, XML_FALSE);
-            return;
-        }
+        if (++state.depth > deepest) return state.refuse("nested too deeply");
+        if (state.depth == 1 && std::strcmp(name, "CIM") != 0) return state.refuse("the document is none of CIM");
         state.start(name, attributes);
         state.text.clear();
     }
@@ -76,9 +80,7 @@ struct ReplyReader::State {
     }
     static void onDoctype(void* data, const char*, const char*, const char*, int)
     {
-        State& state = *static_cast<State*>(data);
-        state.failure = "DOCTYPE is not taken";
-        XML_StopParser(state.parser, XML_FALSE);
+        static_cast<State*>(data)->refuse("DOCTYPE is not taken");
     }
 };
 
@@ -86,7 +88,10 @@ void ReplyReader::State::start(const std::string& name, const char** attributes)
 {
     if (name == "MESSAGE") {
         reply.messageId = attribute(attributes, "ID");
+    } else if (name == "IMETHODRESPONSE" || name == "METHODRESPONSE") {
+        hasContent = true;
     } else if (name == "EXPMETHODCALL") {
+        hasContent = true;
         reply.exportMethod = attribute(attributes, "NAME");
     } else if (name == "ERROR") {
         reply.error = Reply::Error{std::atoi(attribute(attributes, "CODE")), attribute(attributes, "DESCRIPTION")};
@@ -202,6 +207,7 @@ Reply ReplyReader::finish()
 {
     if (XML_Parse(_state->parser, "", 0, XML_TRUE) == XML_STATUS_ERROR)
         throw std::runtime_error("the message ends early");
+    if (!_state->hasContent) throw std::runtime_error("no response in the message");
     return std::move(_state->reply);
 }
 
