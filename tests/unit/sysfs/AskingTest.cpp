@@ -165,8 +165,11 @@ TEST(Asking, EndsWithoutWaitingForOneThatHangs)
         const LiveRecords records(sysfs, std::make_shared<FakeOpener>(devices), settings);
         EXPECT_EQ(records.drives().at(0)->status, 0);
     }
+    {
+        const std::lock_guard<std::mutex> guard(devices->lock);
+        EXPECT_EQ(devices->hanging.size(), 1U) << "it hangs still";
+    }
     devices->release(); // the thread ends now, after all that it belonged to
-    SUCCEED();
 }
 
 TEST(Asking, SaysOnceThatItMayNot)
