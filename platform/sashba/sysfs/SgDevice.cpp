@@ -139,7 +139,9 @@ public:
             reply.denied = true;
             return nullptr;
         }
-        const int fd = ::open(device.node.c_str(), O_RDWR | O_NONBLOCK | O_CLOEXEC);
+        // A block device that is closed after it was open for writing makes udev look at it anew, each time.
+        const int access = device.node.compare(0, 7, "/dev/sg") == 0 ? O_RDWR : O_RDONLY;
+        const int fd = ::open(device.node.c_str(), access | O_NONBLOCK | O_CLOEXEC);
         if (fd < 0) {
             reply = replyFor(errno);
             return nullptr;
