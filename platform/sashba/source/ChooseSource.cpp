@@ -5,10 +5,7 @@
 #include "sashba/scenario/JsonTree.h"
 #include "sashba/scenario/ScenarioSource.h"
 #include "sashba/scenario/WatchedFile.h"
-#include "sashba/sysfs/CapturedDevice.h"
-#include "sashba/sysfs/PassRequest.h"
-#include "sashba/sysfs/SgDevice.h"
-#include "sashba/sysfs/SysfsSource.h"
+#include "sashba/sysfs/OpenLive.h"
 
 #include <cerrno>
 #include <chrono>
@@ -16,7 +13,6 @@
 #include <cstdlib>
 #include <memory_resource>
 #include <string_view>
-#include <utility>
 
 #include <unistd.h>
 
@@ -108,18 +104,11 @@ ScenarioSurroundings surroundingsWith(const Logger& log)
     return surroundings;
 }
 
-// A captured tree has its devices' pages beside it; the nodes of this machine are not those of its disks.
 std::unique_ptr<Source> runningMachine(const SysfsSettings& settings, const Logger& log)
 {
-    const std::string given = environment("KDV_SYSFS_ROOT");
-    const bool captured = !given.empty() && given != "/sys" && given != "/sys/";
-    SysfsSurroundings surroundings;
-    surroundings.reportError = [log](const std::string& text) { log.error("%s", text.c_str()); };
-    surroundings.reportInfo = [log](const std::string& text) { log.info("%s", text.c_str()); };
-    surroundings.requestPass = requestPassIfPossible;
-    surroundings.opener = captured ? makeCaptureOpener(given) : makeSgOpener();
-    surroundings.listenToPlugs = !captured;
-    return std::make_unique<SysfsSource>(captured ? given : "/sys", settings, std::move(surroundings));
+    return openLiveMachine(
+        environment("KDV_SYSFS_ROOT"), settings, [log](const std::string& text) { log.error("%s", text.c_str()); },
+        [log](const std::string& text) { log.info("%s", text.c_str()); });
 }
 
 } // namespace
