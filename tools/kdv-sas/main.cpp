@@ -8,8 +8,15 @@
 #include "kdv-sas/TableView.h"
 #include "kdv-sas/TreeView.h"
 #include "kdv-sas/Watch.h"
+#include "sashba/RecordTree.h"
+#include "sashba/sysfs/OpenLive.h"
+#include "sashba/sysfs/ScenarioWriter.h"
 
+#include <chrono>
+#include <cstdlib>
+#include <fstream>
 #include <iostream>
+#include <stdexcept>
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
@@ -25,6 +32,7 @@ struct Options {
     std::string nameSpace = storageNameSpace;
     std::string className;
     std::string path;
+    std::string file;
     std::string listen = "127.0.0.1";
     std::uint16_t listenPort = 0;
     unsigned count = 0;
@@ -125,6 +133,24 @@ void commonOptions(CLI::App& app, Options& options)
     app.add_flag("--json", options.json, "JSON instead of text");
 }
 
+// Reads this machine itself, without a server, and writes it as a scenario file.
+int scenario(const Options& options)
+{
+    const auto tell = [](const std::string& text) { std::cerr << "kdv-sas: " + text + "\n"; };
+    const char* root = std::getenv("KDV_SYSFS_ROOT");
+    KDV::SysfsSettings settings;
+    settings.firstAnswers = std::chrono::seconds(30); // nobody waits but the one who called
+    KDV::RecordTree records;
+    KDV::openLiveMachine(root ? root : "", settings, tell, tell)->load(records);
+    if (!records.head()) return 3; // it has said so
+    const std::string text = KDV::scenarioOf(records.head());
+    if (options.file.empty()) return std::cout << text << std::flush ? 0 : 3;
+    std::ofstream file(options.file);
+    file << text << std::flush;
+    if (!file) throw std::runtime_error("cannot write " + options.file);
+    return 0;
+}
+
 using Command = int (*)(Cim::Connection&, const Options&);
 
 int run(Command command, Options& options)
@@ -160,6 +186,8 @@ try {
     CLI::App* showApp = app.add_subcommand("show", "one instance");
     showApp->add_option("path", options.path, "Class.Key=\"value\",...")->required();
     CLI::App* refreshApp = app.add_subcommand("refresh", "make the provider look at the hardware now");
+    CLI::App* scenarioApp = app.add_subcommand("scenario", "write this machine's SAS adapters as a scenario file");
+    scenarioApp->add_option("file", options.file, "file to write; standard output without it");
     CLI::App* const watchApp = app.add_subcommand("watch", "subscribe and print alerts as they come");
     watchApp->add_option("--listen", options.listen, "address to receive alerts on")->capture_default_str();
     watchApp->add_option("--listen-port", options.listenPort, "port to receive alerts on; 0 takes a free one");
@@ -173,6 +201,7 @@ try {
     if (*treeApp) return run(tree, options);
     if (*listApp) return run(list, options);
     if (*showApp) return run(show, options);
+    if (*scenarioApp) return scenario(options);
     if (*refreshApp) return run(refresh, options);
     return run(watch, options); // the last one: a command was required
 } catch (const Cim::Refused& error) {
