@@ -46,7 +46,12 @@ struct RecordingProvider::Functions {
     {
         return of(self).record("deactivate", "deactivate " + about(filter, className, path) + (last ? " last" : ""));
     }
-    static CMPIStatus enable(CMPIIndicationMI* self, const CMPIContext*) { return of(self).record("enable", "enable"); }
+    static CMPIStatus enable(CMPIIndicationMI* self, const CMPIContext*)
+    {
+        const CMPIStatus status = of(self).record("enable", "enable");
+        of(self).whenEnabled();
+        return status;
+    }
     static CMPIStatus disable(CMPIIndicationMI* self, const CMPIContext*)
     {
         return of(self).record("disable", "disable");

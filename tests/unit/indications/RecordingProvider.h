@@ -4,6 +4,7 @@
 #include "broker/Broker.h"
 #include "cmpi/ProviderTables.h"
 
+#include <functional>
 #include <mutex>
 #include <string>
 #include <vector>
@@ -24,6 +25,8 @@ public:
         _refused = function;
         _rc = rc;
     }
+
+    std::function<void()> whenEnabled = [] {}; // runs inside of enableIndications
 
     // The code that deliverIndication gives.
     CMPIrc deliver(const std::string& eventId, unsigned severity = 3, const std::string& nameSpace = "root/vnr",
