@@ -163,7 +163,7 @@ Outcome FilterActivation::activate(Active& active)
         return outcome;
     }
     for (const Target& target : active.targets)
-        if (target.provider->filters++ == 0) enable(*target.provider, target.nameSpace, true);
+        ++target.provider->filters;
     return {};
 }
 
@@ -184,12 +184,12 @@ void FilterActivation::deactivate(const Active& active, std::size_t count)
     }
 }
 
-void FilterActivation::enable(Provider& provider, const std::string& nameSpace, bool on)
+void FilterActivation::enable(const Provider& provider, bool on)
 {
-    RequestScope scope(_broker, nameSpace);
+    RequestScope scope(_broker, provider.enabledIn);
     ContextObject& context = scope.context();
     context.addNumber("CMPIInvocationFlags", 0);
-    context.addText("CMPIInitNameSpace", nameSpace);
+    context.addText("CMPIInitNameSpace", provider.enabledIn);
     const auto function = on ? provider.table->ft->enableIndications : provider.table->ft->disableIndications;
     // Servers ignore what these return; an operator may want to know.
     const Outcome outcome = function ? outcomeOf(function(provider.table, &context)) : Outcome();
@@ -215,6 +215,16 @@ Outcome FilterActivation::add(const FilterToActivate& filter, const std::string&
     return outcome;
 }
 
+void FilterActivation::enableProviders()
+{
+    for (const auto& [key, active] : _filters)
+        for (const Target& target : active.targets) {
+            if (!target.provider->enabledIn.empty()) continue;
+            target.provider->enabledIn = target.nameSpace;
+            enable(*target.provider, true);
+        }
+}
+
 void FilterActivation::remove(const ElementKey& filter)
 {
     const auto found = _filters.find(filter);
@@ -222,8 +232,11 @@ void FilterActivation::remove(const ElementKey& filter)
     const Active active = std::move(found->second);
     _filters.erase(found);
     deactivate(active, active.targets.size());
-    for (const Target& target : active.targets)
-        if (--target.provider->filters == 0) enable(*target.provider, target.nameSpace, false);
+    for (const Target& target : active.targets) {
+        if (--target.provider->filters != 0 || target.provider->enabledIn.empty()) continue;
+        enable(*target.provider, false);
+        target.provider->enabledIn.clear();
+    }
 }
 
 void FilterActivation::clear()

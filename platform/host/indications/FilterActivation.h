@@ -41,6 +41,8 @@ public:
 
     // One subscription more. Anything but 0 refuses it, and the providers are as before.
     Outcome add(const FilterToActivate& filter, const std::string& owner);
+    // Tells the providers that have filters to send. They may do so at once, so whoever is to get it must be known.
+    void enableProviders();
     void remove(const ElementKey& filter); // one less
     void clear();                          // none at all: the host ends
     bool any() const noexcept { return !_filters.empty(); }
@@ -50,6 +52,7 @@ private:
         std::string name;
         CMPIIndicationMI* table = nullptr;
         unsigned filters = 0;
+        std::string enabledIn; // a namespace, empty while it is not to send
     };
     struct Target {
         Provider* provider;
@@ -69,7 +72,7 @@ private:
     Outcome activate(Active& active);
     Outcome activateOne(const Active& active, const Target& target);
     void deactivate(const Active& active, std::size_t count);
-    void enable(Provider& provider, const std::string& nameSpace, bool on);
+    void enable(const Provider& provider, bool on);
 
     Broker& _broker;
     std::vector<IndicationRegistration> _registrations;

@@ -299,8 +299,11 @@ void IndicationService::publish()
         for (const SubscriptionRecord& subscription : _store.state().subscriptions)
             addMatches(*next, subscription);
     }
-    const Lock lock(_activeMutex);
-    _active = std::move(next);
+    {
+        const Lock lock(_activeMutex);
+        _active = std::move(next);
+    }
+    _activation.enableProviders();
 }
 
 // On the thread of the destination's queue.

@@ -124,7 +124,7 @@ private:
     void dropSubscription(const SubscriptionRecord& subscription);
     void expire();
     void reap();
-    void publish(); // a new Active for deliver()
+    void publish(); // a new Active for deliver(); only then may providers send for it
     void addMatches(Active& active, const SubscriptionRecord& subscription);
     void deliveryFailed(const SubscriptionKey& key);
     void applyPolicy(const SubscriptionRecord& subscription);
