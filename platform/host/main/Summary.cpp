@@ -85,7 +85,7 @@ void writeSummary(std::ostream& out, CimHost& host, const std::vector<Endpoint>&
     if (const char* scenario = std::getenv("KDV_SAS_SCENARIO"); scenario && *scenario)
         out << "  scenario " << scenario << '\n';
     else
-        out << "  no scenario chosen: the SAS adapters of this machine, if any; KDV_SAS_SCENARIO names another machine\n";
+        out << "  no scenario chosen: this machine, if it has SAS adapters; KDV_SAS_SCENARIO names another\n";
     if (!endpoints.empty()) {
         const std::string url = "http://" + hostPort(endpoints.front()) + "/root/vnr";
         if (!alertStream.empty()) out << "  alerts: subscribe in interop, or follow " << alertStream << '\n';
