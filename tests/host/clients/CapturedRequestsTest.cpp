@@ -27,8 +27,10 @@ std::string wbemcliHead(const std::string& method, const std::string& object, co
 
 std::string scriptBody(const std::string& call)
 {
-    return "<?xml version=\"1.0\" encoding=\"utf-8\" ?>\n<CIM CIMVERSION=\"2.0\" DTDVERSION=\"2.0\"><MESSAGE ID=\"1001\" "
-           "PROTOCOLVERSION=\"1.0\"><SIMPLEREQ>" + call + "</SIMPLEREQ></MESSAGE></CIM>";
+    return "<?xml version=\"1.0\" encoding=\"utf-8\" ?>\n<CIM CIMVERSION=\"2.0\" DTDVERSION=\"2.0\"><MESSAGE "
+           "ID=\"1001\" "
+           "PROTOCOLVERSION=\"1.0\"><SIMPLEREQ>" +
+           call + "</SIMPLEREQ></MESSAGE></CIM>";
 }
 
 std::string wbemcliBody(const std::string& method, const std::string& parameters)
@@ -61,11 +63,14 @@ protected:
 
 TEST_F(CapturedRequests, OfScriptsAreAnswered)
 {
-    const std::string path = "<LOCALNAMESPACEPATH><NAMESPACE NAME=\"root\"/><NAMESPACE NAME=\"vnr\"/></LOCALNAMESPACEPATH>";
+    const std::string path =
+        "<LOCALNAMESPACEPATH><NAMESPACE NAME=\"root\"/><NAMESPACE NAME=\"vnr\"/></LOCALNAMESPACEPATH>";
     const std::string disks = reply(
-        scriptHead("EnumerateInstances", "root/vnr",
-                   scriptBody("<IMETHODCALL NAME=\"EnumerateInstances\">" + path +
-                              "<IPARAMVALUE NAME=\"ClassName\"><CLASSNAME NAME=\"CIM_DiskDrive\"/></IPARAMVALUE></IMETHODCALL>")),
+        scriptHead(
+            "EnumerateInstances", "root/vnr",
+            scriptBody(
+                "<IMETHODCALL NAME=\"EnumerateInstances\">" + path +
+                "<IPARAMVALUE NAME=\"ClassName\"><CLASSNAME NAME=\"CIM_DiskDrive\"/></IPARAMVALUE></IMETHODCALL>")),
         "1001");
     EXPECT_GT(count(disks, "<INSTANCE CLASSNAME=\"KDV_SASDiskDrive\">"), 1u);
 
@@ -73,33 +78,35 @@ TEST_F(CapturedRequests, OfScriptsAreAnswered)
     std::string name = between(disks, "<VALUE.NAMEDINSTANCE>", "<INSTANCE ");
     for (std::size_t at = 0; (at = name.find("VALUETYPE=\"string\"", at)) != name.npos; at += 30)
         name.insert(at + 18, " TYPE=\"string\"");
-    const std::string disk = reply(
-        scriptHead("GetInstance", "root/vnr",
-                   scriptBody("<IMETHODCALL NAME=\"GetInstance\">" + path + "<IPARAMVALUE NAME=\"InstanceName\">" + name +
-                              "</IPARAMVALUE><IPARAMVALUE NAME=\"LocalOnly\"><VALUE>FALSE</VALUE></IPARAMVALUE>"
-                              "<IPARAMVALUE NAME=\"PropertyList\"><VALUE.ARRAY><VALUE>Name</VALUE></VALUE.ARRAY>"
-                              "</IPARAMVALUE></IMETHODCALL>")),
-        "1001");
+    const std::string disk =
+        reply(scriptHead("GetInstance", "root/vnr",
+                         scriptBody("<IMETHODCALL NAME=\"GetInstance\">" + path +
+                                    "<IPARAMVALUE NAME=\"InstanceName\">" + name +
+                                    "</IPARAMVALUE><IPARAMVALUE NAME=\"LocalOnly\"><VALUE>FALSE</VALUE></IPARAMVALUE>"
+                                    "<IPARAMVALUE NAME=\"PropertyList\"><VALUE.ARRAY><VALUE>Name</VALUE></VALUE.ARRAY>"
+                                    "</IPARAMVALUE></IMETHODCALL>")),
+              "1001");
     EXPECT_EQ(count(disk, "<PROPERTY"), 1u) << disk;
 
     const std::string nameSpaces = reply(
-        scriptHead("EnumerateInstanceNames", "interop",
-                   scriptBody("<IMETHODCALL NAME=\"EnumerateInstanceNames\"><LOCALNAMESPACEPATH><NAMESPACE NAME=\"interop\"/>"
-                              "</LOCALNAMESPACEPATH><IPARAMVALUE NAME=\"ClassName\"><CLASSNAME NAME=\"CIM_Namespace\"/>"
-                              "</IPARAMVALUE></IMETHODCALL>")),
+        scriptHead(
+            "EnumerateInstanceNames", "interop",
+            scriptBody("<IMETHODCALL NAME=\"EnumerateInstanceNames\"><LOCALNAMESPACEPATH><NAMESPACE NAME=\"interop\"/>"
+                       "</LOCALNAMESPACEPATH><IPARAMVALUE NAME=\"ClassName\"><CLASSNAME NAME=\"CIM_Namespace\"/>"
+                       "</IPARAMVALUE></IMETHODCALL>")),
         "1001");
     EXPECT_NE(nameSpaces.find(">root/vnr</KEYVALUE>"), std::string::npos);
 }
 
 TEST_F(CapturedRequests, OfWbemcliAreAnswered)
 {
-    const std::string disks =
-        reply(wbemcliHead("EnumerateInstances", "root%2Fvnr",
-                          wbemcliBody("EnumerateInstances",
-                                      "<IPARAMVALUE NAME=\"ClassName\"><CLASSNAME NAME=\"CIM_DiskDrive\"/></IPARAMVALUE>\n"
-                                      "<IPARAMVALUE NAME=\"DeepInheritance\"><VALUE>TRUE</VALUE></IPARAMVALUE>\n"
-                                      "<IPARAMVALUE NAME=\"LocalOnly\"><VALUE>FALSE</VALUE></IPARAMVALUE>\n")),
-              "4711");
+    const std::string disks = reply(
+        wbemcliHead("EnumerateInstances", "root%2Fvnr",
+                    wbemcliBody("EnumerateInstances",
+                                "<IPARAMVALUE NAME=\"ClassName\"><CLASSNAME NAME=\"CIM_DiskDrive\"/></IPARAMVALUE>\n"
+                                "<IPARAMVALUE NAME=\"DeepInheritance\"><VALUE>TRUE</VALUE></IPARAMVALUE>\n"
+                                "<IPARAMVALUE NAME=\"LocalOnly\"><VALUE>FALSE</VALUE></IPARAMVALUE>\n")),
+        "4711");
     EXPECT_NE(disks.find("CLASSORIGIN=\"CIM_LogicalDevice\""), std::string::npos);
     const std::string name = between(disks, "<VALUE.NAMEDINSTANCE>", "<INSTANCE ");
     const std::string found = reply(

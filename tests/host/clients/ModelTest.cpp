@@ -30,7 +30,9 @@ protected:
     static void SetUpTestSuite() { host = new ProgramHost; }
     static void TearDownTestSuite()
     {
-        EXPECT_EQ(host->terminate(), 0) << host->greeting();
+        if (host) {
+            EXPECT_EQ(host->terminate(), 0) << host->greeting();
+        }
         delete host;
     }
     // Over one connection; the reply must be valid and without an error.

@@ -130,8 +130,9 @@ TEST_F(Wbemcli, RunsAPassAndIsToldOfMistakes)
     EXPECT_TRUE(contains(ask("ei", "KDV_None"), "(5) CIM_ERR_INVALID_CLASS"));
     EXPECT_TRUE(contains(ask("gi", "KDV_SASProduct.IdentifyingNumber=\"x\",Name=\"y\",Vendor=\"z\",Version=\"0\""),
                          "(6) CIM_ERR_NOT_FOUND"));
-    EXPECT_TRUE(contains(run({"wbemcli", "ein", "http://127.0.0.1:" + std::to_string(host->port()) + "/root/no:X"}).output,
-                         "(3) CIM_ERR_INVALID_NAMESPACE"));
+    EXPECT_TRUE(
+        contains(run({"wbemcli", "ein", "http://127.0.0.1:" + std::to_string(host->port()) + "/root/no:X"}).output,
+                 "(3) CIM_ERR_INVALID_NAMESPACE"));
 }
 
 TEST(Program, GreetsAndEndsCleanly)
@@ -149,9 +150,12 @@ TEST(Program, SaysWhatIsWrongWithItsArguments)
     const std::string program = KDV_BUILD_DIR "/bin/kdv-cimhost";
     EXPECT_EQ(run({program, "--version"}).output.compare(0, 12, "kdv-cimhost "), 0);
     EXPECT_TRUE(contains(run({program, "--help"}).output, "--listen"));
-    for (const std::vector<std::string>& wrong : std::vector<std::vector<std::string>>{
-             {program, "--listen", "nowhere"}, {program, "--schema-dir", "/nonexistent"}, {program, "--profile", "other"},
-             {program, "--listen", "127.0.0.1:0", "--provider-dir", "/nonexistent"}, {program, "--unknown"}}) {
+    for (const std::vector<std::string>& wrong :
+         std::vector<std::vector<std::string>>{{program, "--listen", "nowhere"},
+                                               {program, "--schema-dir", "/nonexistent"},
+                                               {program, "--profile", "other"},
+                                               {program, "--listen", "127.0.0.1:0", "--provider-dir", "/nonexistent"},
+                                               {program, "--unknown"}}) {
         const Finished finished = run(wrong);
         EXPECT_GT(finished.status, 0) << wrong[1];
         EXPECT_NE(finished.output, "") << wrong[1];
