@@ -72,8 +72,8 @@ const CMPIBroker* KDVUtil::getBroker() noexcept { return theBroker.load(std::mem
 
 std::string KDVUtil::getHostName()
 {
-    // Every path carries the name, and a system call for each would be a tenth of an enumeration: within one tick of the
-    // kernel's coarse clock (a few milliseconds) a thread does not ask again.
+    // Every path carries the name, and a system call for each would be a tenth of an enumeration: within one tick of
+    // the kernel's coarse clock (a few milliseconds) a thread does not ask again.
     struct Asked {
         timespec tick{-1, -1};
         std::string name;

@@ -20,9 +20,9 @@ void print(std::ostream& out, const std::vector<Node>& nodes, const std::string&
     for (std::size_t i = 0; i < nodes.size(); ++i) {
         const bool last = i + 1 == nodes.size();
         const Element& element = *nodes[i].element;
-        out << indent << (last ? "└─ " : "├─ ") << coloured(element.health, word(element.health), colours) << " "
-            << nodes[i].kind << " " << element.name << ": " << element.status
-            << (element.detail.empty() ? "" : ", " + element.detail) << "\n";
+        out << indent << (last ? "└─ " : "├─ ");
+        out << coloured(element.health, word(element.health), colours) << " " << nodes[i].kind << " " << element.name
+            << ": " << element.status << (element.detail.empty() ? "" : ", " + element.detail) << "\n";
         print(out, nodes[i].children, indent + (last ? "   " : "│  "), colours);
     }
 }

@@ -84,8 +84,8 @@ int run(const Arguments& arguments, const sigset_t& ending)
     sigwait(&ending, &signal);
     host.stop();
     if (!arguments.quiet) std::cout << "kdv-cimhost ended" << std::endl;
-    // Everybody was told to end, but a provider's pass may still be on its way out of a call and must find the broker and
-    // all static objects where they were. So nothing is destroyed.
+    // Everybody was told to end, but a provider's pass may still be on its way out of a call and must find the broker
+    // and all static objects where they were. So nothing is destroyed.
     std::fflush(nullptr);
     ::_exit(0);
 }

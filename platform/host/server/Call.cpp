@@ -29,7 +29,8 @@ void Call::allow(std::initializer_list<std::string_view> names) const
     for (auto at = request.parameters.begin(); at != request.parameters.end(); ++at) {
         if (std::none_of(names.begin(), names.end(), [&](std::string_view name) { return sameName(name, at->name); }))
             refuse(at->name, "is not one of " + request.method);
-        if (std::any_of(request.parameters.begin(), at, [&](const auto& other) { return sameName(other.name, at->name); }))
+        if (std::any_of(request.parameters.begin(), at,
+                        [&](const auto& other) { return sameName(other.name, at->name); }))
             refuse(at->name, "is given twice");
     }
 }

@@ -1,5 +1,5 @@
-// A CIM status that ends an operation: what() is the description that the client reads. Thrown by the code that executes
-// operations, caught once for each request.
+// A CIM status that ends an operation: what() is the description that the client reads. Thrown by the code that
+// executes operations, caught once for each request.
 #pragma once
 
 #include "broker/Upcalls.h"

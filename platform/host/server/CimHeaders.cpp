@@ -32,7 +32,8 @@ std::string extensionPrefix(std::string_view man)
 
 [[noreturn]] void mismatch(const std::string& header, const std::string& value)
 {
-    throw RequestError(RequestFault::HeaderMismatch, "the header " + header + " says \"" + value + "\", the message not");
+    throw RequestError(RequestFault::HeaderMismatch,
+                       "the header " + header + " says \"" + value + "\", the message not");
 }
 
 // The object of a METHODCALL: "root/vnr:KDV_X.Key=\"value\"". Keys are written in too many ways to compare.

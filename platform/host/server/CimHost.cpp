@@ -84,8 +84,8 @@ void CimHost::loadProviders()
         for (const std::string& nameSpace : registration.nameSpaces) {
             const ClassInfo* classInfo = _repository.find(nameSpace, registration.className);
             if (!classInfo)
-                throw std::runtime_error("class " + registration.className + " is registered in namespace " + nameSpace +
-                                         ", but no MOF declares it there");
+                throw std::runtime_error("class " + registration.className + " is registered in namespace " +
+                                         nameSpace + ", but no MOF declares it there");
             ProviderRoute route;
             route.classInfo = classInfo;
             route.provider = &library(registration);

@@ -1,6 +1,6 @@
 // The CIM-XML message around the result of one operation, written into the stream of an HTTP reply. Until the first
-// chunk has left, a failure replaces what was written; after that it goes into the trailers of a client that takes them,
-// or else the connection breaks off, so that no client takes half a result for a whole one.
+// chunk has left, a failure replaces what was written; after that it goes into the trailers of a client that takes
+// them, or else the connection breaks off, so that no client takes half a result for a whole one.
 #pragma once
 
 #include "hostserver/ReplyStream.h"

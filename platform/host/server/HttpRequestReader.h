@@ -1,6 +1,6 @@
 // Takes the bytes of a connection and makes requests of them, with the HTTP parser of Boost.Beast behind it (which only
-// its source includes, since it is slow to compile). One reader belongs to one connection; no lock. What HTTP forbids or
-// a limit cuts is HttpError, after which the reader is of no more use.
+// its source includes, since it is slow to compile). One reader belongs to one connection; no lock. What HTTP forbids
+// or a limit cuts is HttpError, after which the reader is of no more use.
 #pragma once
 
 #include "hostserver/HttpRequest.h"

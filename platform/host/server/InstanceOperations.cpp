@@ -15,7 +15,8 @@ PathObject& classPath(Call& call, const ClassInfo& classInfo)
 // properties that it has, as current servers do.
 void enumerateInstances(Router& router, Call& call)
 {
-    call.allow({"ClassName", "LocalOnly", "DeepInheritance", "IncludeQualifiers", "IncludeClassOrigin", "PropertyList"});
+    call.allow(
+        {"ClassName", "LocalOnly", "DeepInheritance", "IncludeQualifiers", "IncludeClassOrigin", "PropertyList"});
     const ClassInfo& classInfo = call.requiredClass("ClassName");
     call.flag("LocalOnly", true);
     call.flag("DeepInheritance", true);

@@ -1,5 +1,5 @@
-// What a client asks a server about itself before it asks for anything else: the object manager, its namespaces, and the
-// management profiles that it and its providers conform to. In the namespaces "interop" and "root".
+// What a client asks a server about itself before it asks for anything else: the object manager, its namespaces, and
+// the management profiles that it and its providers conform to. In the namespaces "interop" and "root".
 #pragma once
 
 #include "hostserver/BuiltInProvider.h"

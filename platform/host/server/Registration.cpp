@@ -114,6 +114,9 @@ private:
 
 } // namespace
 
-std::vector<Registration> readRegistrations(const std::filesystem::path& file) { return RegistrationReader(file).read(); }
+std::vector<Registration> readRegistrations(const std::filesystem::path& file)
+{
+    return RegistrationReader(file).read();
+}
 
 } // namespace KDV::Host

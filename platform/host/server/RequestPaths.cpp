@@ -120,8 +120,8 @@ PathObject& makePath(RequestScope& scope, const Namespace& nameSpace, const Clas
         else if (classInfo.keys().size() == 1)
             property = &classInfo.properties()[static_cast<std::size_t>(classInfo.keys().front())];
         if (!property || !property->key)
-            throw CimError(CMPI_RC_ERR_INVALID_PARAMETER,
-                           "class " + classInfo.name() + " has no key " + (key.name.empty() ? "without a name" : key.name));
+            throw CimError(CMPI_RC_ERR_INVALID_PARAMETER, "class " + classInfo.name() + " has no key " +
+                                                              (key.name.empty() ? "without a name" : key.name));
         addKey(scope, nameSpace, path, key, *property);
     }
     if (complete)

@@ -1,5 +1,5 @@
-// Makes broker objects of what a client wrote: paths with their keys, values by their type. They belong to the request's
-// scope. What the schema does not allow is a CimError.
+// Makes broker objects of what a client wrote: paths with their keys, values by their type. They belong to the
+// request's scope. What the schema does not allow is a CimError.
 #pragma once
 
 #include "broker/RequestScope.h"

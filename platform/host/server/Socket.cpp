@@ -120,11 +120,13 @@ Endpoint Endpoint::parse(const std::string& text)
         throw std::invalid_argument("\"" + text + "\" is not ADDRESS:PORT");
     endpoint.address = text.substr(0, colon);
     endpoint.port = text.substr(colon + 1);
-    const bool bracketed = endpoint.address.size() > 2 && endpoint.address.front() == '[' && endpoint.address.back() == ']';
+    const bool bracketed =
+        endpoint.address.size() > 2 && endpoint.address.front() == '[' && endpoint.address.back() == ']';
     if (bracketed)
         endpoint.address = endpoint.address.substr(1, endpoint.address.size() - 2);
-    const bool digits = !endpoint.port.empty() && endpoint.port.size() <= 5 &&
-                        std::all_of(endpoint.port.begin(), endpoint.port.end(), [](char c) { return c >= '0' && c <= '9'; });
+    const bool digits =
+        !endpoint.port.empty() && endpoint.port.size() <= 5 &&
+        std::all_of(endpoint.port.begin(), endpoint.port.end(), [](char c) { return c >= '0' && c <= '9'; });
     if (!digits || std::stoi(endpoint.port) > 65535 || (!bracketed && endpoint.address.find(':') != text.npos))
         throw std::invalid_argument("\"" + text + "\" is not ADDRESS:PORT (an IPv6 address stands in brackets)");
     return endpoint;

@@ -53,7 +53,8 @@ KeyFragments keyFragments(const PropertyInfo& key)
         out.append("<VALUE.REFERENCE>");
         fragments.close = "</VALUE.REFERENCE></KEYBINDING>";
     } else {
-        const bool numeric = type != CMPI_string && type != CMPI_dateTime && type != CMPI_boolean && type != CMPI_char16;
+        const bool numeric =
+            type != CMPI_string && type != CMPI_dateTime && type != CMPI_boolean && type != CMPI_char16;
         out.append("<KEYVALUE");
         appendNamed(out, "VALUETYPE", type == CMPI_boolean ? "boolean" : numeric ? "numeric" : "string");
         out.append('>');

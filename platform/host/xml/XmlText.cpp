@@ -29,7 +29,10 @@ constexpr bool isPlain(std::uint64_t word)
             equalBytes(word, '"')) == 0;
 }
 
-constexpr bool isPlain(unsigned char c) { return c >= 0x20 && c < 0x80 && c != '&' && c != '<' && c != '>' && c != '"'; }
+constexpr bool isPlain(unsigned char c)
+{
+    return c >= 0x20 && c < 0x80 && c != '&' && c != '<' && c != '>' && c != '"';
+}
 
 std::uint64_t loadWord(const char* from)
 {

@@ -132,7 +132,8 @@ void XmlTree::start(const char* name, const char** attributes)
     if (!_open.empty()) {
         Open& parent = _open.back();
         if (parent.holdsText)
-            return refuse(notValid, "element " + std::string(view(_elements[parent.element].name)) + " holds text only");
+            return refuse(notValid,
+                          "element " + std::string(view(_elements[parent.element].name)) + " holds text only");
         (parent.lastChild == none ? _elements[parent.element].firstChild : _elements[parent.lastChild].next) = index;
         parent.lastChild = index;
     }

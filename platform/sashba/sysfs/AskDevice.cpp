@@ -19,7 +19,8 @@ constexpr std::uint8_t exceptionsPage = 0x2F;
 // A page that the device does not list is not asked for: some devices take long to refuse.
 class LogPages {
 public:
-    explicit LogPages(DeviceLink& link) : _link(link), _supported(parseSupportedLogPages(ByteView(link.logPage(0x00)))) {}
+    explicit LogPages(DeviceLink& link) : _link(link), _supported(parseSupportedLogPages(ByteView(link.logPage(0x00))))
+    {}
 
     std::string operator()(std::uint8_t code) const
     {

@@ -175,7 +175,8 @@ void AskingThreads::State::reportOn(Asked& asked)
     }
     if (asked.answer->denied && !deniedReported) {
         deniedReported = true;
-        reportInfo("no permission to ask devices (first " + name + "): whether disks are ready and healthy, and the fans, "
+        reportInfo("no permission to ask devices (first " + name +
+                   "): whether disks are ready and healthy, and the fans, "
                    "power supplies and temperatures of boxes, stay unknown; run with CAP_SYS_RAWIO and access to the "
                    "device nodes to learn them");
     }

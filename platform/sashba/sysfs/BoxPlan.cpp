@@ -45,8 +45,8 @@ void addProcessor(const LiveMachine& machine, const ScsiDevice& device, const De
     if (id == 0)
         id = device.enclosureIdentifier != 0 ? device.enclosureIdentifier : naaOf(device.wwid);
     const std::string identity = diskIdentity(device);
-    BoxPlan& box =
-        boxNamed(boxes, id != 0 ? "enclosure " + hex16(id) : "processor " + (identity.empty() ? device.path : identity));
+    BoxPlan& box = boxNamed(boxes, id != 0 ? "enclosure " + hex16(id)
+                                           : "processor " + (identity.empty() ? device.path : identity));
     box.id = id;
     fillIfEmpty(box.vendor, device.vendor);
     fillIfEmpty(box.model, device.model);
@@ -238,7 +238,8 @@ std::vector<BoxPlan> planBoxes(const LiveMachine& machine, const LiveHba& hba, c
             box.number = number.value_or(std::uint8_t{0});
         }
     }
-    std::copy_if(boxes.begin(), boxes.end(), std::back_inserter(numbered), [](const BoxPlan& b) { return b.number != 0; });
+    std::copy_if(boxes.begin(), boxes.end(), std::back_inserter(numbered),
+                 [](const BoxPlan& b) { return b.number != 0; });
     return numbered;
 }
 

@@ -1,7 +1,7 @@
 // How a device is asked: an open device that takes commands, and what opens it. One way goes to the device nodes of the
 // machine, another to pages captured beside a captured tree, and tests have their own. A link is used by the one thread
-// that opened it; opening and every question may block, so they happen on the asking threads only. Throws std::bad_alloc
-// only.
+// that opened it; opening and every question may block, so they happen on the asking threads only. Throws
+// std::bad_alloc only.
 #pragma once
 
 #include "sashba/sysfs/DeviceAnswer.h"

@@ -16,7 +16,8 @@ bool startsWith(std::string_view text, std::string_view start)
 
 std::optional<std::uint64_t> decimal(std::string_view text)
 {
-    const bool digits = std::all_of(text.begin(), text.end(), [](char letter) { return letter >= '0' && letter <= '9'; });
+    const bool digits =
+        std::all_of(text.begin(), text.end(), [](char letter) { return letter >= '0' && letter <= '9'; });
     return digits ? wholeNumber(text) : std::nullopt;
 }
 

@@ -61,7 +61,8 @@ std::uint64_t addressOf(const SysfsTree& tree, const LiveHba& hba, const std::st
     for (const std::string& name : tree.names(hba.path)) {
         if (name.compare(0, 4, "phy-") != 0)
             continue;
-        const std::uint64_t address = tree.number(hba.path + "/" + name + "/sas_phy/" + name + "/sas_address").value_or(0);
+        const std::uint64_t address =
+            tree.number(hba.path + "/" + name + "/sas_phy/" + name + "/sas_address").value_or(0);
         if (address != 0 && (lowest == 0 || address < lowest))
             lowest = address;
     }

@@ -20,7 +20,8 @@ ByteView vpdBody(ByteView page, std::uint8_t code)
 
 ByteView logBody(ByteView page, std::uint8_t code)
 {
-    if (page.size() < 4 || (page.u8(0) & 0x3F) != code || (page.u8(0) & 0x40 && page.u8(1) != 0)) // a subpage is another
+    if (page.size() < 4 || (page.u8(0) & 0x3F) != code ||
+        (page.u8(0) & 0x40 && page.u8(1) != 0)) // a subpage is another
         return {};
     return page.part(4, page.u16(2));
 }

@@ -40,7 +40,7 @@ std::optional<InquiryData> parseInquiry(ByteView data);
 
 std::string parseUnitSerialNumber(ByteView page);                          // VPD 80h; empty when there is none
 std::optional<std::uint64_t> parseNaaName(ByteView page);                  // VPD 83h, 8-byte NAA of the logical unit
-std::optional<std::uint16_t> parseRotationRate(ByteView page);             // VPD B1h: 0 unknown, 1 solid state, else rpm
+std::optional<std::uint16_t> parseRotationRate(ByteView page); // VPD B1h: 0 unknown, 1 solid state, else rpm
 std::optional<AtaIdentity> parseAtaInformation(ByteView page);             // VPD 89h
 
 std::vector<std::uint8_t> parseSupportedLogPages(ByteView page);           // log 00h

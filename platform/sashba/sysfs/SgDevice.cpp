@@ -29,7 +29,8 @@ ReadyReply replyFor(int error)
     ReadyReply reply;
     if (error == ENXIO || error == ENODEV)
         reply.readiness = Readiness::NoConnect;
-    else if (error == EACCES || error == EPERM || error == ENOENT) // no node, as in a container, is no permission either
+    else if (error == EACCES || error == EPERM ||
+             error == ENOENT) // no node, as in a container, is no permission either
         reply.denied = true;
     else if (error == ETIMEDOUT)
         reply.timedOut = true;
@@ -58,7 +59,8 @@ public:
     std::string logPage(std::uint8_t code) override
     {
         const std::uint8_t cumulative = 0x40;
-        const std::uint8_t command[10] = {0x4D, 0, static_cast<std::uint8_t>(cumulative | code), 0, 0, 0, 0, 0x10, 0, 0};
+        const std::uint8_t command[10] = {0x4D, 0, static_cast<std::uint8_t>(cumulative | code), 0, 0, 0, 0, 0x10,
+                                          0,    0};
         return page(command, sizeof command, 0x1000);
     }
 
@@ -73,7 +75,8 @@ public:
 private:
     std::chrono::milliseconds timeLeft() const
     {
-        const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(_end - std::chrono::steady_clock::now());
+        const auto left =
+            std::chrono::duration_cast<std::chrono::milliseconds>(_end - std::chrono::steady_clock::now());
         return std::clamp(left, std::chrono::milliseconds(1), _deadline);
     }
 

@@ -10,7 +10,7 @@
 namespace KDV {
 
 struct SmartctlReport {
-    int exitStatus = 0;                        // bits: 1 bad call, 2 device not opened or asleep, 4 a command failed ...
+    int exitStatus = 0; // bits: 1 bad call, 2 device not opened or asleep, 4 a command failed ...
     bool asleep = false;                       // it did not look further, so as not to wake the disk
     bool supported = true;                     // the disk has a health status at all
     std::optional<bool> passed;

@@ -118,7 +118,8 @@ std::optional<std::uint64_t> SysfsTree::number(const std::string& path) const
 std::vector<std::string> SysfsTree::names(const std::string& path) const
 {
     std::vector<std::string> found;
-    OpenFile folder(openat(_rootFd, path.empty() ? "." : path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC | O_NOFOLLOW));
+    OpenFile folder(
+        openat(_rootFd, path.empty() ? "." : path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC | O_NOFOLLOW));
     DIR* stream = folder ? fdopendir(folder.get()) : nullptr;
     if (!stream)
         return found;

@@ -34,7 +34,8 @@ constexpr std::uint8_t failed = 5;
 
 std::uint32_t mebibytes(std::uint64_t sectors)
 {
-    return static_cast<std::uint32_t>(std::min<std::uint64_t>(sectors >> 11, std::numeric_limits<std::uint32_t>::max()));
+    return static_cast<std::uint32_t>(
+        std::min<std::uint64_t>(sectors >> 11, std::numeric_limits<std::uint32_t>::max()));
 }
 
 void setStates(SasLogicalDriveRecord& image, std::uint8_t status, std::uint8_t redundancy)
@@ -120,7 +121,8 @@ void putNumbersUnaligned(SasLogicalDriveRecord& image, const ArrayDrives& drives
     image.spareCount = putNumbers(spares, drives.spares);
     std::memcpy(reinterpret_cast<unsigned char*>(&image) + offsetof(SasLogicalDriveRecord, members), members,
                 sizeof members);
-    std::memcpy(reinterpret_cast<unsigned char*>(&image) + offsetof(SasLogicalDriveRecord, spares), spares, sizeof spares);
+    std::memcpy(reinterpret_cast<unsigned char*>(&image) + offsetof(SasLogicalDriveRecord, spares), spares,
+                sizeof spares);
 }
 
 ArrayDrives drivesOf(const MdArray& array, std::uint32_t host, const DrivesByPath& drives)

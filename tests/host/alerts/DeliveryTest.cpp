@@ -10,7 +10,8 @@ namespace {
 
 const std::string box = "KDV_SASStorageEnclosureProcessor KDV_SASStorageEnclosureProcessor-0-1";
 const Alert fanFailed{"305", box, "5"}, fanOk{"304", box, "2"};
-const Alert diskFailed{"202", "KDV_SASDiskDrive GR02T55D0071", "5"}, diskOk{"201", "KDV_SASDiskDrive GR02T55D0071", "2"};
+const Alert diskFailed{"202", "KDV_SASDiskDrive GR02T55D0071", "5"},
+    diskOk{"201", "KDV_SASDiskDrive GR02T55D0071", "2"};
 
 const std::vector<Alert> fourAlerts = {fanFailed, diskFailed, fanOk, diskOk};
 
@@ -35,7 +36,8 @@ protected:
         EXPECT_EQ(alertsOf(listener.taken()), fourAlerts);
         EXPECT_TRUE(numberedInOrder(listener.taken()));
     }
-    // All that were sent, those that were not taken included, never went back: a failed one is sent again before later ones.
+    // All that were sent, those that were not taken included, never went back: a failed one is sent again before later
+    // ones.
     void expectNoLaterBeforeEarlier()
     {
         long last = 0;

@@ -1,4 +1,5 @@
-// Who has alerts, of what, and for how long: filters of the client's own, restarts, ends of subscriptions, nobody there.
+// Who has alerts, of what, and for how long: filters of the client's own, restarts, ends of subscriptions, nobody
+// there.
 #include "AlertsFixture.h"
 
 #include "hosttest/CimClient.h"
@@ -34,8 +35,9 @@ TEST_F(SubscriptionOfAlerts, WithAFilterOfItsOwnGetsWhatTheFilterSelects)
     subscribe(disks, "disks",
               makeFilter("disks", "DMTF:CQL",
                          "SELECT * FROM KDV_SASIndication WHERE EventID = '204' OR EventID = '201'"));
-    subscribe(other, "other",
-              makeFilter("other", "WQL", "SELECT * FROM KDV_SASIndication WHERE NOT (HWSerialNumber = 'SP0711K4X004')"));
+    subscribe(
+        other, "other",
+        makeFilter("other", "WQL", "SELECT * FROM KDV_SASIndication WHERE NOT (HWSerialNumber = 'SP0711K4X004')"));
     file.disk(3)["status"] = "predictiveFailure";
     file.box(0)["fanStatus"] = "failed";
     pass();

@@ -1,6 +1,6 @@
-// The changes that the default scenario plays, pass after pass, as they reach a listener: each alert in the pass in which
-// its change is due, and nothing else. The provider's own clock may make a pass at any time, so the expectation is held
-// against the number of passes that were made, not against those that the test asked for.
+// The changes that the default scenario plays, pass after pass, as they reach a listener: each alert in the pass in
+// which its change is due, and nothing else. The provider's own clock may make a pass at any time, so the expectation
+// is held against the number of passes that were made, not against those that the test asked for.
 #include "AlertsFixture.h"
 
 #include "hosttest/CimClient.h"

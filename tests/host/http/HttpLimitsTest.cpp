@@ -112,7 +112,8 @@ TEST(HttpLimits, AReaderThatStallsHoldsNeitherTheProviderNorOthers)
     EXPECT_NE(stalled.readSome(1), "") << "the reply has begun";
 
     // Needs the lock that the enumeration holds.
-    const std::string reply = askHost(host.port(), intrinsic("GetInstance", parameter("InstanceName", instanceName("T_Slow", {{"#Number", "1"}}))));
+    const std::string reply = askHost(
+        host.port(), intrinsic("GetInstance", parameter("InstanceName", instanceName("T_Slow", {{"#Number", "1"}}))));
     EXPECT_EQ(count(reply, "<INSTANCE "), 1u);
 
     const RawReply late = stalled.read();

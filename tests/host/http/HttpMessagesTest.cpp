@@ -103,7 +103,8 @@ TEST_F(HttpMessages, SaysContinueToWhoWaitsForIt)
     EXPECT_EQ(client.read().status, 100u);
     client.send(names);
     expectNames(client.read());
-    EXPECT_EQ(statusAndClose("POST /other HTTP/1.1\r\nHost: x\r\nExpect: 100-continue\r\nContent-Length: 5\r\n\r\n"), 404u)
+    EXPECT_EQ(statusAndClose("POST /other HTTP/1.1\r\nHost: x\r\nExpect: 100-continue\r\nContent-Length: 5\r\n\r\n"),
+              404u)
         << "a body that is not wanted is not asked for";
     EXPECT_EQ(statusAndClose("POST / HTTP/1.1\r\nHost: x\r\nExpect: a miracle\r\nContent-Length: 5\r\n\r\n"), 417u);
 }

@@ -30,7 +30,8 @@ protected:
         std::array<char, 65536> block;
         std::size_t count = 0;
         ours = Socket();
-        while (theirs.receive(block.data(), block.size(), Clock::now() + std::chrono::seconds(30), count) == IoResult::Done)
+        while (theirs.receive(block.data(), block.size(), Clock::now() + std::chrono::seconds(30), count) ==
+               IoResult::Done)
             all.append(block.data(), count);
         return all;
     }

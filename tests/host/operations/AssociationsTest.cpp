@@ -28,7 +28,10 @@ protected:
     TestHost host;
 };
 
-std::string classFilter(const std::string& name, const std::string& ofClass) { return parameter(name, className(ofClass)); }
+std::string classFilter(const std::string& name, const std::string& ofClass)
+{
+    return parameter(name, className(ofClass));
+}
 
 } // namespace
 
@@ -40,8 +43,9 @@ TEST_P(Associations, FollowsFromBothEnds)
     const std::string disks = ask("Associators", box);
     EXPECT_EQ(count(disks, "<VALUE.OBJECTWITHPATH>"), 8u);
     EXPECT_NE(disks.find("<INSTANCEPATH><NAMESPACEPATH><HOST>"), std::string::npos);
-    EXPECT_NE(disks.find("<LOCALNAMESPACEPATH><NAMESPACE NAME=\"root\"/><NAMESPACE NAME=\"test\"/></LOCALNAMESPACEPATH>"),
-              std::string::npos);
+    EXPECT_NE(
+        disks.find("<LOCALNAMESPACEPATH><NAMESPACE NAME=\"root\"/><NAMESPACE NAME=\"test\"/></LOCALNAMESPACEPATH>"),
+        std::string::npos);
     EXPECT_EQ(count(ask("Associators", disk), "<INSTANCE CLASSNAME=\"T_Box\">"), 1u);
     EXPECT_EQ(count(ask("AssociatorNames", box), "<OBJECTPATH>"), 8u);
     EXPECT_EQ(count(ask("AssociatorNames", disk), "<OBJECTPATH>"), 1u);

@@ -35,8 +35,9 @@ TEST_F(Classes, GivesInheritedPropertiesAndOriginsWhenAsked)
 {
     const std::string reply = ask("GetClass", classParameter("T_Box") + flag("LocalOnly", false) +
                                                   flag("IncludeClassOrigin", true) + flag("IncludeQualifiers", false));
-    EXPECT_NE(reply.find("<PROPERTY NAME=\"ElementName\" TYPE=\"string\" CLASSORIGIN=\"T_Element\" PROPAGATED=\"true\">"),
-              std::string::npos)
+    EXPECT_NE(
+        reply.find("<PROPERTY NAME=\"ElementName\" TYPE=\"string\" CLASSORIGIN=\"T_Element\" PROPAGATED=\"true\">"),
+        std::string::npos)
         << reply;
     EXPECT_EQ(count(reply, "<QUALIFIER"), 0u);
     const std::string list = parameter("PropertyList", "<VALUE.ARRAY><VALUE>number</VALUE></VALUE.ARRAY>");
@@ -57,8 +58,9 @@ TEST_F(Classes, EnumeratesOneLevelOrAll)
     EXPECT_EQ(count(ask("EnumerateClassNames", ""), "<CLASSNAME "), 2u) << "T_Element and T_BoxDisk stand at the top";
     EXPECT_EQ(count(ask("EnumerateClassNames", flag("DeepInheritance", true)), "<CLASSNAME "), 9u);
     EXPECT_EQ(count(ask("EnumerateClassNames", classParameter("T_Element")), "<CLASSNAME "), 2u);
-    EXPECT_EQ(count(ask("EnumerateClassNames", classParameter("T_Element") + flag("DeepInheritance", true)), "<CLASSNAME "),
-              7u);
+    EXPECT_EQ(
+        count(ask("EnumerateClassNames", classParameter("T_Element") + flag("DeepInheritance", true)), "<CLASSNAME "),
+        7u);
     EXPECT_EQ(count(ask("EnumerateClassNames", classParameter("T_SolidDisk")), "<CLASSNAME "), 0u);
     EXPECT_EQ(count(ask("EnumerateClasses", classParameter("T_Disk")), "<CLASS "), 1u);
     EXPECT_EQ(count(ask("EnumerateClasses", flag("DeepInheritance", true)), "<CLASS "), 9u);

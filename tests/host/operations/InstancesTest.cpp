@@ -9,7 +9,8 @@ using namespace KDV::Host::Test;
 
 namespace {
 
-const std::vector<std::pair<std::string, std::string>> firstDisk{{"SystemName", "test &amp; system"}, {"DeviceID", "D0"}};
+const std::vector<std::pair<std::string, std::string>> firstDisk{{"SystemName", "test &amp; system"},
+                                                                 {"DeviceID", "D0"}};
 
 std::string get(const std::string& name, const std::string& more = {})
 {
@@ -54,7 +55,8 @@ TEST_P(Instances, EnumeratesAClassWithPathsAndProperties)
     EXPECT_EQ(errorCode(reply), 0u);
     EXPECT_EQ(count(reply, "<VALUE.NAMEDINSTANCE>"), 8u);
     EXPECT_EQ(count(reply, "<INSTANCE CLASSNAME=\"T_Disk\">"), 7u);
-    EXPECT_EQ(count(reply, "<INSTANCE CLASSNAME=\"T_SolidDisk\">"), 1u) << "the subclass comes from its own registration";
+    EXPECT_EQ(count(reply, "<INSTANCE CLASSNAME=\"T_SolidDisk\">"), 1u)
+        << "the subclass comes from its own registration";
     EXPECT_EQ(count(reply, "CLASSORIGIN"), 0u);
     EXPECT_NE(reply.find("<INSTANCENAME CLASSNAME=\"T_Disk\"><KEYBINDING NAME=\"SystemName\"><KEYVALUE "
                          "VALUETYPE=\"string\">test &amp; system</KEYVALUE></KEYBINDING><KEYBINDING NAME=\"DeviceID\">"
@@ -94,7 +96,8 @@ TEST_P(Instances, MakesBadTextsValid)
 TEST_P(Instances, SaysWhereAPropertyComesFromWhenAsked)
 {
     const std::string asked = parameter("IncludeClassOrigin", value("TRUE"));
-    const std::string reply = ask(get(instanceName("T_SolidDisk", {{"SystemName", "test &amp; system"}, {"DeviceID", "D7"}}), asked));
+    const std::string reply =
+        ask(get(instanceName("T_SolidDisk", {{"SystemName", "test &amp; system"}, {"DeviceID", "D7"}}), asked));
     EXPECT_NE(reply.find("<PROPERTY NAME=\"DeviceID\" CLASSORIGIN=\"T_Device\" TYPE=\"string\">"), std::string::npos);
     EXPECT_NE(reply.find("<PROPERTY NAME=\"Model\" CLASSORIGIN=\"T_Disk\" TYPE=\"string\">"), std::string::npos);
 }
@@ -129,7 +132,8 @@ TEST_P(Instances, GivesTheExactCodeForEachMistake)
     EXPECT_EQ(error(intrinsic("EnumerateInstances", "")), 4u) << "no class name";
     EXPECT_EQ(error(intrinsic("EnumerateInstances", classParameter("T_Disk") + classParameter("T_Disk"))), 4u);
     EXPECT_EQ(error(intrinsic("EnumerateInstances", classParameter("T_Disk") + parameter("Extra", value("1")))), 4u);
-    EXPECT_EQ(error(intrinsic("EnumerateInstances", classParameter("T_Disk") + parameter("LocalOnly", value("maybe")))), 4u);
+    EXPECT_EQ(error(intrinsic("EnumerateInstances", classParameter("T_Disk") + parameter("LocalOnly", value("maybe")))),
+              4u);
     EXPECT_EQ(error(intrinsic("EnumerateInstances", parameter("ClassName", disk))), 4u) << "an instance is no class";
     EXPECT_EQ(error(get(instanceName("T_None", firstDisk))), 5u);
     EXPECT_EQ(error(get(instanceName("T_Device", firstDisk))), 6u) << "nobody serves the superclass";
@@ -146,13 +150,15 @@ TEST_P(Instances, GivesTheExactCodeForEachMistake)
 
 TEST_P(Instances, SaysWhatIsNotSupported)
 {
-    for (const char* operation : {"ExecQuery", "SetProperty", "GetProperty", "CreateClass", "DeleteClass", "ModifyClass",
-                                  "OpenQueryInstances", "EnumerationCount", "EnumerateQualifiers", "Nonsense"}) {
+    for (const char* operation :
+         {"ExecQuery", "SetProperty", "GetProperty", "CreateClass", "DeleteClass", "ModifyClass", "OpenQueryInstances",
+          "EnumerationCount", "EnumerateQualifiers", "Nonsense"}) {
         const std::string reply = ask(intrinsic(operation, "", "root/none"));
         EXPECT_EQ(errorCode(reply), 7u) << operation;
         EXPECT_NE(reply.find("<IMETHODRESPONSE NAME=\"" + std::string(operation) + "\">"), std::string::npos);
     }
-    EXPECT_EQ(error(intrinsic("DeleteInstance", parameter("InstanceName", instanceName("T_Box", {{"#Number", "1"}})))), 7u);
+    EXPECT_EQ(error(intrinsic("DeleteInstance", parameter("InstanceName", instanceName("T_Box", {{"#Number", "1"}})))),
+              7u);
 }
 
 TEST_P(Instances, PassesOnAFailureWithItsText)
@@ -183,13 +189,15 @@ TEST_P(Instances, TellsOfALateFailureInTrailersOrByBreakingOff)
 TEST_P(Instances, TakesReferenceKeysAsElementsAndAsText)
 {
     const std::string names = ask(intrinsic("EnumerateInstanceNames", classParameter("T_BoxDisk")));
-    const std::string name = "<INSTANCENAME CLASSNAME=\"T_BoxDisk\">" +
-                             between(names, "<INSTANCENAME CLASSNAME=\"T_BoxDisk\">", "</KEYBINDING></INSTANCENAME>\n<INSTANCENAME") +
-                             "</KEYBINDING></INSTANCENAME>";
+    const std::string name =
+        "<INSTANCENAME CLASSNAME=\"T_BoxDisk\">" +
+        between(names, "<INSTANCENAME CLASSNAME=\"T_BoxDisk\">", "</KEYBINDING></INSTANCENAME>\n<INSTANCENAME") +
+        "</KEYBINDING></INSTANCENAME>";
     EXPECT_EQ(error(get(name)), 6u) << "read, asked for, and not found: the provider has none to get";
-    const std::string asText = "<INSTANCENAME CLASSNAME=\"T_BoxDisk\"><KEYBINDING NAME=\"GroupComponent\"><KEYVALUE>"
-                               "root/test:T_Box.Number=1</KEYVALUE></KEYBINDING><KEYBINDING NAME=\"PartComponent\"><KEYVALUE>"
-                               "T_Disk.SystemName=\"a\\\"b\",DeviceID=\"D0\"</KEYVALUE></KEYBINDING></INSTANCENAME>";
+    const std::string asText =
+        "<INSTANCENAME CLASSNAME=\"T_BoxDisk\"><KEYBINDING NAME=\"GroupComponent\"><KEYVALUE>"
+        "root/test:T_Box.Number=1</KEYVALUE></KEYBINDING><KEYBINDING NAME=\"PartComponent\"><KEYVALUE>"
+        "T_Disk.SystemName=\"a\\\"b\",DeviceID=\"D0\"</KEYVALUE></KEYBINDING></INSTANCENAME>";
     EXPECT_EQ(error(get(asText)), 6u);
     EXPECT_EQ(error(get(instanceName("T_BoxDisk", {{"GroupComponent", "?"}, {"PartComponent", "?"}}))), 4u);
 }

@@ -63,7 +63,8 @@ TEST_F(Interop, DescribesTheObjectManager)
     EXPECT_EQ(count(reply, "<INSTANCE CLASSNAME=\"CIM_ObjectManager\">"), 1u) << reply;
     EXPECT_NE(reply.find("<VALUE>kdv-cimhost</VALUE>"), std::string::npos);
     EXPECT_EQ(count(ask("EnumerateInstances", classParameter("CIM_Service"), "interop"), "<VALUE.NAMEDINSTANCE>"), 1u);
-    EXPECT_EQ(errorCode(ask("GetInstance", parameter("InstanceName", instanceName("CIM_RegisteredProfile", {{"InstanceID", "x"}})),
+    EXPECT_EQ(errorCode(ask("GetInstance",
+                            parameter("InstanceName", instanceName("CIM_RegisteredProfile", {{"InstanceID", "x"}})),
                             "interop")),
               6u);
 }
@@ -76,13 +77,15 @@ TEST_F(Interop, ClaimsTheProfileByWhichProfilesAreClaimed)
     const auto conforms = parameter("AssocClass", className("CIM_ElementConformsToProfile"));
     EXPECT_EQ(count(ask("AssociatorNames", profile + conforms, "interop"), "<OBJECTPATH>"), 2u)
         << "it is its own central instance, seen from both ends";
-    EXPECT_EQ(count(ask("AssociatorNames", profile + parameter("ResultRole", value("ManagedElement")), "interop"), "<OBJECTPATH>"),
+    EXPECT_EQ(count(ask("AssociatorNames", profile + parameter("ResultRole", value("ManagedElement")), "interop"),
+                    "<OBJECTPATH>"),
               1u);
     EXPECT_EQ(count(ask("Associators", profile + parameter("Role", value("ConformantStandard")), "interop"),
                     "<INSTANCE CLASSNAME=\"CIM_RegisteredProfile\">"),
               1u);
     EXPECT_EQ(count(ask("References", profile, "interop"), "<VALUE.OBJECTWITHPATH>"), 1u);
     EXPECT_EQ(count(ask("ReferenceNames", profile, "interop"), "<OBJECTPATH>"), 1u);
-    const std::string call = extrinsic("GetCentralInstances", between(names, "<IRETURNVALUE>\n", "</IRETURNVALUE>"), "", "interop");
+    const std::string call =
+        extrinsic("GetCentralInstances", between(names, "<IRETURNVALUE>\n", "</IRETURNVALUE>"), "", "interop");
     EXPECT_EQ(errorCode(askHost(host.port(), call)), 17u);
 }

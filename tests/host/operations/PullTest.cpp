@@ -34,7 +34,10 @@ protected:
     {
         return askHost(host.port(), intrinsic(method, parameters));
     }
-    unsigned error(const std::string& method, const std::string& parameters) { return errorCode(ask(method, parameters)); }
+    unsigned error(const std::string& method, const std::string& parameters)
+    {
+        return errorCode(ask(method, parameters));
+    }
     std::string pull(const std::string& method, const std::string& context, unsigned most)
     {
         return ask(method, parameter("EnumerationContext", value(context)) + number("MaxObjectCount", most));
@@ -95,9 +98,10 @@ TEST_F(Pull, OpensEveryKindOfEnumeration)
                     parameter("InstanceName", instanceName("T_Box", {{"#Number", "9"}})) + all),
               0u)
         << "the provider follows from any box";
-    EXPECT_EQ(error("OpenAssociatorInstancePaths",
-                    parameter("InstanceName", instanceName("T_Disk", {{"SystemName", "x"}, {"DeviceID", "D99"}})) + all),
-              6u)
+    EXPECT_EQ(
+        error("OpenAssociatorInstancePaths",
+              parameter("InstanceName", instanceName("T_Disk", {{"SystemName", "x"}, {"DeviceID", "D99"}})) + all),
+        6u)
         << "nothing is linked, and there is no such disk";
 }
 

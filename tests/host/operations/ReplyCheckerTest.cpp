@@ -19,7 +19,9 @@ TEST(ReplyChecker, AcceptsWhatTheDocumentTypeAllows)
 {
     EXPECT_EQ(checkReply(reply("")), "");
     EXPECT_EQ(checkReply(reply("<ERROR CODE=\"1\" DESCRIPTION=\"x\"/>")), "");
-    EXPECT_EQ(checkReply(reply("<IRETURNVALUE/><PARAMVALUE NAME=\"a\"/><PARAMVALUE NAME=\"b\"><VALUE>1</VALUE></PARAMVALUE>")), "");
+    EXPECT_EQ(checkReply(
+                  reply("<IRETURNVALUE/><PARAMVALUE NAME=\"a\"/><PARAMVALUE NAME=\"b\"><VALUE>1</VALUE></PARAMVALUE>")),
+              "");
     std::string many;
     for (int i = 0; i < 1000; ++i)
         many += "<CLASSNAME NAME=\"A\"/>\n";
@@ -32,11 +34,14 @@ TEST(ReplyChecker, SeesEachKindOfMistake)
          {"<IRETURNVALUE>text</IRETURNVALUE>", "<ERROR/>", "<ERROR CODE=\"1\"/><IRETURNVALUE/>",
           "<IRETURNVALUE/><ERROR CODE=\"1\"/>", "<IRETURNVALUE/><IRETURNVALUE/>", "<UNKNOWN/>",
           "<IRETURNVALUE><CLASSNAME NAME=\"A\"/><INSTANCENAME CLASSNAME=\"A\"/></IRETURNVALUE>",
-          "<IRETURNVALUE><CLASSNAME/></IRETURNVALUE>", "<IRETURNVALUE><CLASSNAME NAME=\"A\" OTHER=\"B\"/></IRETURNVALUE>",
+          "<IRETURNVALUE><CLASSNAME/></IRETURNVALUE>",
+          "<IRETURNVALUE><CLASSNAME NAME=\"A\" OTHER=\"B\"/></IRETURNVALUE>",
           "<IRETURNVALUE><VALUE.NAMEDINSTANCE><INSTANCE CLASSNAME=\"A\"/></VALUE.NAMEDINSTANCE></IRETURNVALUE>",
           "<IRETURNVALUE><INSTANCE CLASSNAME=\"A\"><PROPERTY NAME=\"P\" TYPE=\"text\"/></INSTANCE></IRETURNVALUE>",
-          "<IRETURNVALUE><INSTANCE CLASSNAME=\"A\"><PROPERTY NAME=\"P\" TYPE=\"string\"><VALUE/><VALUE/></PROPERTY></INSTANCE></IRETURNVALUE>",
-          "<IRETURNVALUE><CLASS NAME=\"A\"><METHOD NAME=\"M\"/><PROPERTY NAME=\"P\" TYPE=\"string\"/></CLASS></IRETURNVALUE>",
+          "<IRETURNVALUE><INSTANCE CLASSNAME=\"A\"><PROPERTY NAME=\"P\" "
+          "TYPE=\"string\"><VALUE/><VALUE/></PROPERTY></INSTANCE></IRETURNVALUE>",
+          "<IRETURNVALUE><CLASS NAME=\"A\"><METHOD NAME=\"M\"/><PROPERTY NAME=\"P\" "
+          "TYPE=\"string\"/></CLASS></IRETURNVALUE>",
           "<IRETURNVALUE><OBJECTPATH/></IRETURNVALUE>", "<IRETURNVALUE>\x01</IRETURNVALUE>", "<IRETURNVALUE>"})
         EXPECT_NE(checkReply(reply(wrong)), "") << wrong;
 }

@@ -1,6 +1,6 @@
-// kdv-cimhost as it is built, on a free port, serving a machine description with the real provider. It can be stopped and
-// started again on what it kept. How many passes it made, those that its own clock started included, is read from its
-// log. One thread; failures are std::runtime_error.
+// kdv-cimhost as it is built, on a free port, serving a machine description with the real provider. It can be stopped
+// and started again on what it kept. How many passes it made, those that its own clock started included, is read from
+// its log. One thread; failures are std::runtime_error.
 #pragma once
 
 #include "hostprogram/StartedProgram.h"

@@ -1,6 +1,6 @@
-// A program that a test starts, with what it writes to either output. Every wait ends when its condition holds, when the
-// program can no longer bring it about, or after a long deadline that only a hanging program reaches. Killed with its
-// owner. One thread; failures to start are std::runtime_error.
+// A program that a test starts, with what it writes to either output. Every wait ends when its condition holds, when
+// the program can no longer bring it about, or after a long deadline that only a hanging program reaches. Killed with
+// its owner. One thread; failures to start are std::runtime_error.
 #pragma once
 
 #include <array>

@@ -124,7 +124,8 @@ CMPIInstance* diskInstance(const std::string& nameSpace, int index)
     std::snprintf(id, sizeof id, "D%d", index);
     setText(instance, "SystemName", "test & system");
     setText(instance, "DeviceID", id);
-    setText(instance, "ElementName", index == 0 ? "bad \xff\xc3( \x01 \"<&>\r\n\tend \xe2\x82\xac" : "Port:1 Box:2 Bay:3");
+    setText(instance, "ElementName",
+            index == 0 ? "bad \xff\xc3( \x01 \"<&>\r\n\tend \xe2\x82\xac" : "Port:1 Box:2 Bay:3");
     setStatus(instance);
     setText(instance, "Description", "SAS");
     setText(instance, "Model", "ZT TEST 1000");

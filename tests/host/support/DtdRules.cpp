@@ -4,7 +4,8 @@ namespace KDV::Host::Test {
 
 namespace {
 
-const std::string types = "boolean|string|char16|uint8|sint8|uint16|sint16|uint32|sint32|uint64|sint64|datetime|real32|real64";
+const std::string types =
+    "boolean|string|char16|uint8|sint8|uint16|sint16|uint32|sint32|uint64|sint64|datetime|real32|real64";
 const std::string parameterTypes = types + "|reference|object|instance";
 const std::string truth = "true|false";
 const AttributeRule name{"NAME", true, ""};
@@ -20,8 +21,7 @@ std::vector<ElementRule> envelope()
 {
     return {
         {"CIM", "MESSAGE", {{"CIMVERSION", true, ""}, {"DTDVERSION", true, ""}}},
-        {"MESSAGE", "SIMPLEREQ|SIMPLERSP|SIMPLEEXPREQ|SIMPLEEXPRSP",
-         {{"ID", true, ""}, {"PROTOCOLVERSION", true, ""}}},
+        {"MESSAGE", "SIMPLEREQ|SIMPLERSP|SIMPLEEXPREQ|SIMPLEEXPRSP", {{"ID", true, ""}, {"PROTOCOLVERSION", true, ""}}},
         {"SIMPLERSP", "METHODRESPONSE|IMETHODRESPONSE", {}},
         {"SIMPLEREQ", "METHODCALL|IMETHODCALL", {}},
         {"SIMPLEEXPREQ", "EXPMETHODCALL", {}},
@@ -36,7 +36,8 @@ std::vector<ElementRule> envelope()
          "OBJECTPATH*|VALUE.ARRAY?|VALUE.REFERENCE?|CLASS*|INSTANCE*|VALUE.NAMEDINSTANCE*|VALUE.INSTANCEWITHPATH*",
          {}},
         {"PARAMVALUE",
-         "(VALUE|VALUE.REFERENCE|VALUE.ARRAY|VALUE.REFARRAY|CLASSNAME|INSTANCENAME|CLASS|INSTANCE|VALUE.NAMEDINSTANCE)?",
+         "(VALUE|VALUE.REFERENCE|VALUE.ARRAY|VALUE.REFARRAY|CLASSNAME|INSTANCENAME|CLASS|INSTANCE|VALUE.NAMEDINSTANCE)"
+         "?",
          {name, embedded, {"PARAMTYPE", false, parameterTypes}}},
     };
 }

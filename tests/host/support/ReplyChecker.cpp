@@ -117,8 +117,9 @@ private:
             Open& parent = _open.back();
             const std::string child = name + ";";
             const std::string three = child + child + child;
-            const bool repeats = parent.children.size() >= three.size() &&
-                                 parent.children.compare(parent.children.size() - three.size(), three.size(), three) == 0;
+            const bool repeats =
+                parent.children.size() >= three.size() &&
+                parent.children.compare(parent.children.size() - three.size(), three.size(), three) == 0;
             if (!repeats)
                 parent.children += child;
         }

@@ -98,8 +98,9 @@ TEST_F(Tool, ChecksInOneLineWithCounts)
     serve();
     Said said = tool({"status", "--check"});
     EXPECT_EQ(said.status, 0);
-    EXPECT_EQ(said.output, "SAS OK - 2 adapters; 3 boxes; 3 volumes; 24 disks | disks=24 disks_failed=0 disks_degraded=0 "
-                           "volumes_failed=0 volumes_degraded=0\n");
+    EXPECT_EQ(said.output,
+              "SAS OK - 2 adapters; 3 boxes; 3 volumes; 24 disks | disks=24 disks_failed=0 disks_degraded=0 "
+              "volumes_failed=0 volumes_degraded=0\n");
     file.disk(3)["status"] = "failed";
     file.disk(4)["status"] = "degraded";
     file.volume(1)["status"] = "degraded";
@@ -207,7 +208,8 @@ TEST_F(Tool, SaysWhyItCannot)
     expectRefusal(tool({"list", "KDV_Nothing"}), "KDV_Nothing");
     expectRefusal(tool({"--namespace", "root/nothing", "list", "KDV_SASDiskDrive"}), "root/nothing");
     expectRefusal(tool({"--namespace", "root/nothing", "status"}), "root/nothing");
-    expectRefusal(tool({"show", "KDV_SASArraySystem.CreationClassName=\"KDV_SASArraySystem\",Name=\"gone\""}), "error 6");
+    expectRefusal(tool({"show", "KDV_SASArraySystem.CreationClassName=\"KDV_SASArraySystem\",Name=\"gone\""}),
+                  "error 6");
     expectRefusal(tool({"show", "KDV_SASArraySystem.Name=\"open"}), "expected");
     expectRefusal(tool({"show", "KDV_SASArraySystem.Name"}), "expected");
     expectRefusal(tool({"show", ""}), "expected");

@@ -63,7 +63,8 @@ TEST(HostileXml, LimitsElementsAndAttributes)
 
 TEST(HostileXml, RefusesWrongEncodings)
 {
-    EXPECT_EQ(faultOf("<?xml version=\"1.0\" encoding=\"utf-8\"?><VALUE>\xff\xfe</VALUE>"), RequestFault::NotWellFormed);
+    EXPECT_EQ(faultOf("<?xml version=\"1.0\" encoding=\"utf-8\"?><VALUE>\xff\xfe</VALUE>"),
+              RequestFault::NotWellFormed);
     EXPECT_EQ(faultOf("<?xml version=\"1.0\" encoding=\"no-such-thing\"?><VALUE/>"), RequestFault::NotWellFormed);
     EXPECT_EQ(faultOf(std::string("<VALUE>\0</VALUE>", 16)), RequestFault::NotWellFormed);
     EXPECT_EQ(faultOf("<VALUE>&#1;</VALUE>"), RequestFault::NotWellFormed);
@@ -95,7 +96,8 @@ TEST(HostileXml, EveryPrefixOfARequestIsRefusedAndNothingElseHappens)
 {
     const std::string whole =
         "<?xml version=\"1.0\"?><CIM CIMVERSION=\"2.0\" DTDVERSION=\"2.0\"><MESSAGE ID=\"1\" PROTOCOLVERSION=\"1.0\">"
-        "<SIMPLEREQ><IMETHODCALL NAME=\"GetInstance\"><LOCALNAMESPACEPATH><NAMESPACE NAME=\"root\"/></LOCALNAMESPACEPATH>"
+        "<SIMPLEREQ><IMETHODCALL NAME=\"GetInstance\"><LOCALNAMESPACEPATH><NAMESPACE "
+        "NAME=\"root\"/></LOCALNAMESPACEPATH>"
         "<IPARAMVALUE NAME=\"InstanceName\"><INSTANCENAME CLASSNAME=\"X\"><KEYBINDING NAME=\"K\"><KEYVALUE>a&amp;"
         "</KEYVALUE></KEYBINDING></INSTANCENAME></IPARAMVALUE></IMETHODCALL></SIMPLEREQ></MESSAGE></CIM>";
     RequestReader reader;

@@ -12,7 +12,8 @@ namespace {
 
 std::string message(const std::string& call)
 {
-    return "<?xml version=\"1.0\" encoding=\"utf-8\" ?>\n<CIM CIMVERSION=\"2.0\" DTDVERSION=\"2.0\"><MESSAGE ID=\"1001\" "
+    return "<?xml version=\"1.0\" encoding=\"utf-8\" ?>\n<CIM CIMVERSION=\"2.0\" DTDVERSION=\"2.0\"><MESSAGE "
+           "ID=\"1001\" "
            "PROTOCOLVERSION=\"1.0\"><SIMPLEREQ>" +
            call + "</SIMPLEREQ></MESSAGE></CIM>";
 }
@@ -174,9 +175,9 @@ TEST(RequestReader, OneReaderReadsManyRequests)
 TEST(RequestReader, SaysWhichVersionItDoesNotSupport)
 {
     const auto versions = [](const char* cim, const char* dtd, const char* protocol) {
-        return std::string("<CIM CIMVERSION=\"") + cim + "\" DTDVERSION=\"" + dtd + "\"><MESSAGE ID=\"1\" PROTOCOLVERSION=\"" +
-               protocol + "\"><SIMPLEREQ><IMETHODCALL NAME=\"GetClass\">" + vnr +
-               "</IMETHODCALL></SIMPLEREQ></MESSAGE></CIM>";
+        return std::string("<CIM CIMVERSION=\"") + cim + "\" DTDVERSION=\"" + dtd +
+               "\"><MESSAGE ID=\"1\" PROTOCOLVERSION=\"" + protocol + "\"><SIMPLEREQ><IMETHODCALL NAME=\"GetClass\">" +
+               vnr + "</IMETHODCALL></SIMPLEREQ></MESSAGE></CIM>";
     };
     EXPECT_EQ(read(versions("2.8", "2.4", "1.4")).method, "GetClass");
     EXPECT_EQ(faultOf(versions("3.0", "2.0", "1.0")), RequestFault::UnsupportedCimVersion);

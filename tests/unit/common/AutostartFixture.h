@@ -35,8 +35,10 @@ inline const std::string nameSpace = "root/vnr";
 
 inline constexpr char classes[] = R"(
 class T_Starter { [Key] string ProviderName; };
-class T_AutoStart : T_Starter { string WorkerMethodNameSpace; uint16 WorkerPollInterval; uint16 WorkerPollIntervalStagger; };
-class T_BadStart : T_Starter { string WorkerMethodNameSpace; uint32 WorkerPollInterval; uint16 WorkerPollIntervalStagger; };
+class T_AutoStart : T_Starter { string WorkerMethodNameSpace; uint16 WorkerPollInterval;
+    uint16 WorkerPollIntervalStagger; };
+class T_BadStart : T_Starter { string WorkerMethodNameSpace; uint32 WorkerPollInterval;
+    uint16 WorkerPollIntervalStagger; };
 class T_Thing { [Key] string Name; };
 )";
 

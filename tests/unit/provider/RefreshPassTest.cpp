@@ -151,7 +151,8 @@ TEST_P(Pass, HidesAndPurgesAnUnassignedDiskThatVanished)
     for (const char* className : diskClasses)
         EXPECT_EQ(count(className), 2u) << className;
     machine.pull(hba, 2);
-    EXPECT_EQ(pass(), (Lines{"KDVSASHBA ::_backgroundWorker", "KDVSASHBA Disk hotplug -- remove a disk: host 1 disk 2"}));
+    EXPECT_EQ(pass(),
+              (Lines{"KDVSASHBA ::_backgroundWorker", "KDVSASHBA Disk hotplug -- remove a disk: host 1 disk 2"}));
     for (const char* className : diskClasses)
         EXPECT_EQ(log.linesWith(std::string(className) + " dxtor()").size(), 1u) << className; // gone, not only hidden
     for (const char* className : diskClasses)
@@ -365,7 +366,8 @@ TEST_P(Pass, ChecksStatesAfterTheHotPlugAndBeforeTheCleanUp)
     machine.pull(hba, 1);
     pass();
     const Lines lines = log.lines();
-    const auto removed = std::find(lines.begin(), lines.end(), "KDVSASHBA Disk hotplug -- remove a disk: host 1 disk 1");
+    const auto removed =
+        std::find(lines.begin(), lines.end(), "KDVSASHBA Disk hotplug -- remove a disk: host 1 disk 1");
     const auto checked = std::find(lines.begin(), lines.end(), "KDVSASHBA _checkSasIndications");
     const auto purged = std::find(lines.begin(), lines.end(), "KDV_SASDiskDrive dxtor()");
     ASSERT_NE(purged, lines.end());

@@ -35,7 +35,8 @@ TEST(PulledDrive, LeavesTheListAndStaysReadableAsItWasLast)
 TEST(PulledDrive, MayBeTheFirstTheLastOrTheOnlyOne)
 {
     Playground play(machine(R"({"atPass": 1, "hba": 0, "pull": 1}, {"atPass": 2, "hba": 0, "pull": 3},
-        {"atPass": 3, "hba": 0, "pull": 2}, {"atPass": 4, "hba": 0, "pull": 2}, {"atPass": 5, "hba": 0, "insert": 3})"));
+        {"atPass": 3, "hba": 0, "pull": 2}, {"atPass": 4, "hba": 0, "pull": 2},
+        {"atPass": 5, "hba": 0, "insert": 3})"));
     play.pass();
     EXPECT_EQ(play.driveNumbers(), (Numbers{2, 3}));
     play.pass();
@@ -145,7 +146,8 @@ TEST(ProviderBytes, AreNotTouchedByAnyChange)
         {"atPass": 1, "hba": 0, "set": {"controllerStatus": 3, "firmwareVersion": "2", "slotNumber": 9}},
         {"atPass": 1, "hba": 0, "physicalDrive": 1, "set": {"status": 3, "size": 7, "boxNumber": 3}},
         {"atPass": 1, "hba": 0, "logicalDrive": 1, "set": {"redundancyState": 3, "status": 3, "members": [1]}},
-        {"atPass": 1, "hba": 0, "storageBox": 1, "set": {"fanStatus": 3, "physicalPosition": 4, "backplaneSpeed": 1}}])"));
+        {"atPass": 1, "hba": 0, "storageBox": 1, "set": {"fanStatus": 3, "physicalPosition": 4,
+         "backplaneSpeed": 1}}])"));
     ASSERT_TRUE(play.errors.empty()) << play.errors[0];
     play.hba()->oldControllerStatus = 201;
     play.drives().at(0)->oldStatus = 202;

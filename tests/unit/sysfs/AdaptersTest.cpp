@@ -70,7 +70,8 @@ TEST(LiveAdapters, MptsasWhosePhysShowTheDisksAddressAndWhoseBaysAreAllZero)
     for (unsigned i = 0; i < 2; ++i) {
         const std::string n = std::to_string(i);
         sysfs.addPort(host, "port-2:" + n, {i + 2});
-        sysfs.file(host + "/phy-2:" + std::to_string(i + 2) + "/sas_phy/phy-2:" + std::to_string(i + 2) + "/sas_address",
+        sysfs.file(host + "/phy-2:" + std::to_string(i + 2) + "/sas_phy/phy-2:" + std::to_string(i + 2) +
+                       "/sas_address",
                    "0x5000a7200124000" + n + "\n");
         FakeDisk disk;
         disk.address = "2:0:" + n + ":0";

@@ -36,7 +36,9 @@ struct FakeDevices {
 
 class FakeLink final : public DeviceLink {
 public:
-    FakeLink(std::shared_ptr<FakeDevices> devices, std::string node) : _devices(std::move(devices)), _node(std::move(node)) {}
+    FakeLink(std::shared_ptr<FakeDevices> devices, std::string node)
+        : _devices(std::move(devices)), _node(std::move(node))
+    {}
     ReadyReply testUnitReady() override
     {
         std::unique_lock<std::mutex> guard(_devices->lock);
@@ -254,7 +256,8 @@ TEST_F(AskedPages, EveryStatusOfADisk)
     for (const auto& one : cases) {
         health(one.asc, one.ascq, one.used);
         sysfs.page("0:0:0:0", "ready", one.ready);
-        EXPECT_EQ(LiveRecords(sysfs).drives().at(0)->status, one.status) << one.ready << " " << one.asc << " " << one.used;
+        EXPECT_EQ(LiveRecords(sysfs).drives().at(0)->status, one.status)
+            << one.ready << " " << one.asc << " " << one.used;
     }
 }
 

@@ -20,7 +20,8 @@ std::string last(const std::string& path)
 
 std::string vpdPage(unsigned char code, std::string_view body)
 {
-    std::string page{'\0', static_cast<char>(code), static_cast<char>(body.size() >> 8), static_cast<char>(body.size())};
+    std::string page{'\0', static_cast<char>(code), static_cast<char>(body.size() >> 8),
+                     static_cast<char>(body.size())};
     return page.append(body);
 }
 
@@ -55,7 +56,8 @@ void FakeSysfs::page(const std::string& device, const std::string& name, std::st
 void FakeSysfs::link(const std::string& inTree, const std::string& targetInTree) const
 {
     fs::create_directories(path(inTree).parent_path());
-    fs::create_symlink(fs::path("/" + targetInTree).lexically_relative(fs::path("/" + inTree).parent_path()), path(inTree));
+    fs::create_symlink(fs::path("/" + targetInTree).lexically_relative(fs::path("/" + inTree).parent_path()),
+                       path(inTree));
 }
 
 void FakeSysfs::folder(const std::string& inTree) const

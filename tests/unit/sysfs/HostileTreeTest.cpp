@@ -169,8 +169,8 @@ TEST(HostileTree, AnyAttributeMayBeBinaryHugeOrAbsurd)
     for (int i = 0; i < 70000; ++i)
         binary += static_cast<char>(i * 7 + i / 256);
     for (const std::string& content :
-         {binary, std::string(100000, '9'), std::string("18446744073709551615\n"), std::string("-1\n"), std::string("0\n"),
-          std::string("0x\n"), std::string(5000, '\0'), std::string("4294967295\n")}) {
+         {binary, std::string(100000, '9'), std::string("18446744073709551615\n"), std::string("-1\n"),
+          std::string("0\n"), std::string("0x\n"), std::string(5000, '\0'), std::string("4294967295\n")}) {
         damageEach(false, [&content](const FakeSysfs& sysfs, const std::string& entry) {
             if (!fs::is_symlink(sysfs.path(entry)))
                 sysfs.file(entry, content);
@@ -182,10 +182,11 @@ TEST(HostileTree, NamesAreNeverTakenForMoreThanTheyAre)
 {
     FakeSysfs sysfs;
     build(sysfs);
-    for (const char* name : {"class/scsi_host/host", "class/scsi_host/host-1", "class/scsi_host/host00",
-                             "class/scsi_host/host99999999999", "class/scsi_device/0:0:0", "class/scsi_device/0:0:0:0:0",
-                             "class/scsi_device/a:b:c:d", "class/scsi_device/99999999999:0:0:0", "block/md", "block/md0x",
-                             "class/sas_expander/x", "class/enclosure/ #,", "bus/pci/slots/-1/address"})
+    for (const char* name :
+         {"class/scsi_host/host", "class/scsi_host/host-1", "class/scsi_host/host00", "class/scsi_host/host99999999999",
+          "class/scsi_device/0:0:0", "class/scsi_device/0:0:0:0:0", "class/scsi_device/a:b:c:d",
+          "class/scsi_device/99999999999:0:0:0", "block/md", "block/md0x", "class/sas_expander/x",
+          "class/enclosure/ #,", "bus/pci/slots/-1/address"})
         sysfs.folder(name);
     LiveRecords records(sysfs);
     EXPECT_EQ(records.hbas().size(), 1U);

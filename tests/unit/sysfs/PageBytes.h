@@ -84,7 +84,8 @@ inline std::string sesElement(int code, int second = 0, int third = 0, int fourt
 // The descriptor of a bay with one SAS phy, with the element's index.
 inline std::string sesSlotDescriptor(int element, int slot, std::uint64_t sasAddress)
 {
-    const std::string phy = std::string(4, '\0') + number64(0x500a098000005080) + number64(sasAddress) + std::string(8, '\0');
+    const std::string phy =
+        std::string(4, '\0') + number64(0x500a098000005080) + number64(sasAddress) + std::string(8, '\0');
     const std::string body = bytesOf({0, element}) + bytesOf({1, 0, 0, slot}) + phy;
     return bytesOf({0x16, static_cast<int>(body.size())}) + body;
 }

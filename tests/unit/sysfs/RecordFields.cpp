@@ -16,7 +16,8 @@ std::string fields(ElementKind kind, const unsigned char* record)
     for (const FieldRow& row : fieldsOf(kind)) {
         const unsigned char* at = record + row.offset;
         if (row.form == FieldForm::Text) {
-            const std::string value(reinterpret_cast<const char*>(at), ::strnlen(reinterpret_cast<const char*>(at), row.bytes));
+            const std::string value(reinterpret_cast<const char*>(at),
+                                    ::strnlen(reinterpret_cast<const char*>(at), row.bytes));
             if (!value.empty())
                 text += std::string(row.name) + " = " + value + "\n";
             continue;

@@ -71,8 +71,9 @@ TEST(SesConfiguration, PutsTheTypesOfAllSubenclosuresTogether)
 TEST(SesDescriptors, NameTheElements)
 {
     const auto descriptor = [](const std::string& text) { return bytesOf({0, 0}) + number16(text.size()) + text; };
-    const std::string page = sesPage(0x07, 0, descriptor("all bays") + descriptor("Bay #1, upper") + descriptor("Bay 2") +
-                                                  descriptor("") + descriptor("Fan A") + descriptor("Fan B"));
+    const std::string page = sesPage(0x07, 0,
+                                     descriptor("all bays") + descriptor("Bay #1, upper") + descriptor("Bay 2") +
+                                         descriptor("") + descriptor("Fan A") + descriptor("Fan B"));
     const auto configuration = parseSesConfiguration(view(sesConfiguration(types)));
     EXPECT_EQ(parseSesDescriptors(view(page), *configuration),
               (std::vector<std::string>{"Bay #1, upper", "Bay 2", "Fan A", "Fan B"}));

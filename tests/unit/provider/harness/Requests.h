@@ -1,5 +1,5 @@
-// Calls a provider's function tables as a server does: each call in a request scope of its own, answers as plain values.
-// May be used from several threads at once.
+// Calls a provider's function tables as a server does: each call in a request scope of its own, answers as plain
+// values. May be used from several threads at once.
 #pragma once
 
 #include "broker/Broker.h"
