@@ -77,12 +77,13 @@ void IndicationService::add(SubscriptionRecord subscription)
     subscription.started = subscription.stateChanged = now();
     _store.checkNew(subscription);
     if (subscription.enabled)
-        if (const Outcome outcome = activate(subscription); outcome.rc != CMPI_RC_OK)
+        if (const Outcome outcome = wake(subscription); outcome.rc != CMPI_RC_OK)
             throw Refusal(outcome.rc, outcome.message);
     try {
         _store.add(subscription);
     } catch (...) {
         deactivate(subscription);
+        giveUp(subscription);
         throw;
     }
     publish();
@@ -96,14 +97,17 @@ void IndicationService::replace(const SubscriptionRecord& subscription)
     if (!old) throw Refusal(CMPI_RC_ERR_NOT_FOUND, "there is no such subscription any more");
     SubscriptionRecord next = subscription;
     next.stateChanged = old->enabled == next.enabled ? old->stateChanged : now();
-    const bool wake = next.enabled && _activated.count(next.key) == 0;
-    if (wake)
-        if (const Outcome outcome = activate(next); outcome.rc != CMPI_RC_OK)
+    const bool woken = next.enabled && _activated.count(next.key) == 0;
+    if (woken)
+        if (const Outcome outcome = wake(next); outcome.rc != CMPI_RC_OK)
             throw Refusal(outcome.rc, outcome.message);
     try {
         _store.replace(next);
     } catch (...) {
-        if (wake) deactivate(next);
+        if (woken) {
+            deactivate(next);
+            giveUp(next);
+        }
         throw;
     }
     if (!next.enabled) deactivate(next);

@@ -87,6 +87,7 @@ void IndicationService::start()
             *_options.stream, [this](bool on) { follow(on); }, _log);
     _running = true;
     expire();
+    expect(_store.state().subscriptions);
     for (const SubscriptionRecord& subscription : _store.state().subscriptions) {
         if (!subscription.enabled) continue;
         const Outcome outcome = activate(subscription);
@@ -97,6 +98,7 @@ void IndicationService::start()
     }
     publish();
     if (!_options.followAlways) return;
+    expect({});
     for (const FilterRecord& filter : _options.staticFilters)
         if (_activation.add(toActivate(filter), {}).rc == CMPI_RC_OK) _followed.insert(filter.key);
     publish();
@@ -270,7 +272,7 @@ std::map<ElementKey, DestinationCounters> IndicationService::counters()
 void IndicationService::addMatches(Active& active, const SubscriptionRecord& subscription)
 {
     const auto queue = _queues.find(subscription.key.handler);
-    if (queue == _queues.end() || _activated.count(subscription.key) == 0) return;
+    if (queue == _queues.end()) return;
     const auto key = std::make_shared<const SubscriptionKey>(subscription.key);
     for (const FilterRecord* filter : _store.filtersOf(subscription)) {
         const FilterToActivate made = toActivate(*filter);
@@ -290,20 +292,49 @@ void IndicationService::addMatches(Active& active, const SubscriptionRecord& sub
     }
 }
 
-void IndicationService::publish()
+std::shared_ptr<IndicationService::Active> IndicationService::whoIsThere()
 {
     auto next = std::make_shared<Active>();
-    if (_running) {
-        next->anybody = _activation.any();
-        next->stream = _stream;
-        for (const SubscriptionRecord& subscription : _store.state().subscriptions)
-            addMatches(*next, subscription);
-    }
+    if (!_running) return next;
+    next->anybody = _activation.any();
+    next->stream = _stream;
+    for (const SubscriptionRecord& subscription : _store.state().subscriptions)
+        if (_activated.count(subscription.key) != 0) addMatches(*next, subscription);
+    return next;
+}
+
+void IndicationService::publish()
+{
     {
+        auto next = whoIsThere();
         const Lock lock(_activeMutex);
         _active = std::move(next);
     }
     _activation.enableProviders();
+}
+
+void IndicationService::expect(const std::vector<SubscriptionRecord>& coming)
+{
+    auto next = whoIsThere();
+    next->anybody = true;
+    for (const SubscriptionRecord& subscription : coming)
+        if (subscription.enabled) addMatches(*next, subscription);
+    const Lock lock(_activeMutex);
+    _active = std::move(next);
+}
+
+Outcome IndicationService::wake(const SubscriptionRecord& subscription)
+{
+    expect({subscription});
+    Outcome outcome = activate(subscription);
+    if (outcome.rc != CMPI_RC_OK) giveUp(subscription);
+    return outcome;
+}
+
+void IndicationService::giveUp(const SubscriptionRecord& subscription)
+{
+    publish();
+    withdraw(subscription);
 }
 
 // On the thread of the destination's queue.
@@ -350,6 +381,7 @@ void IndicationService::follow(bool on)
 {
     const Lock lock(_changes);
     if (!_running || _options.followAlways) return;
+    if (on) expect({});
     for (const FilterRecord& filter : _options.staticFilters) {
         if (on && _activation.add(toActivate(filter), {}).rc == CMPI_RC_OK)
             _followed.insert(filter.key);

@@ -124,7 +124,13 @@ private:
     void dropSubscription(const SubscriptionRecord& subscription);
     void expire();
     void reap();
-    void publish(); // a new Active for deliver(); only then may providers send for it
+    // A new Active for deliver(); only then may providers send for it.
+    void publish();
+    // Before providers get filters for these, since some send as soon as they have one.
+    void expect(const std::vector<SubscriptionRecord>& coming);
+    std::shared_ptr<Active> whoIsThere();
+    Outcome wake(const SubscriptionRecord& subscription); // expects it and activates it
+    void giveUp(const SubscriptionRecord& subscription);  // woken, but it could not be kept
     void addMatches(Active& active, const SubscriptionRecord& subscription);
     void deliveryFailed(const SubscriptionKey& key);
     void applyPolicy(const SubscriptionRecord& subscription);

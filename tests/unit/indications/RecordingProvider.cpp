@@ -39,7 +39,10 @@ struct RecordingProvider::Functions {
     static CMPIStatus activate(CMPIIndicationMI* self, const CMPIContext*, const CMPISelectExp* filter,
                                const char* className, const CMPIObjectPath* path, CMPIBoolean first)
     {
-        return of(self).record("activate", "activate " + about(filter, className, path) + (first ? " first" : ""));
+        const std::string call = "activate " + about(filter, className, path) + (first ? " first" : "");
+        const CMPIStatus status = of(self).record("activate", call);
+        of(self).whenActivated();
+        return status;
     }
     static CMPIStatus deactivate(CMPIIndicationMI* self, const CMPIContext*, const CMPISelectExp* filter,
                                  const char* className, const CMPIObjectPath* path, CMPIBoolean last)

@@ -26,7 +26,8 @@ public:
         _rc = rc;
     }
 
-    std::function<void()> whenEnabled = [] {}; // runs inside of enableIndications
+    std::function<void()> whenActivated = [] {}; // runs inside of activateFilter
+    std::function<void()> whenEnabled = [] {};   // runs inside of enableIndications
 
     // The code that deliverIndication gives.
     CMPIrc deliver(const std::string& eventId, unsigned severity = 3, const std::string& nameSpace = "root/vnr",
