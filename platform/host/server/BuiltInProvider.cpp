@@ -6,12 +6,9 @@ namespace {
 
 bool sameKey(const CMPIData& a, const CMPIData& b)
 {
-    if (a.type != b.type || isNull(a) || isNull(b))
-        return false;
-    if (a.type == CMPI_string)
-        return textOf(a.value) == textOf(b.value);
-    if (a.type == CMPI_ref)
-        return samePath(PathObject::of(a.value.ref), PathObject::of(b.value.ref));
+    if (a.type != b.type || isNull(a) || isNull(b)) return false;
+    if (a.type == CMPI_string) return textOf(a.value) == textOf(b.value);
+    if (a.type == CMPI_ref) return samePath(PathObject::of(a.value.ref), PathObject::of(b.value.ref));
     return a.type == CMPI_boolean && a.value.boolean == b.value.boolean; // no built-in class has other keys
 }
 
@@ -22,12 +19,10 @@ bool isWanted(const char* filter, std::string_view name) { return !filter || !*f
 bool samePath(const PathObject& a, const PathObject& b)
 {
     const bool elsewhere = !a.nameSpace.empty() && !b.nameSpace.empty() && !sameName(a.nameSpace, b.nameSpace);
-    if (elsewhere || !sameName(a.className, b.className) || a.keyCount != b.keyCount)
-        return false;
+    if (elsewhere || !sameName(a.className, b.className) || a.keyCount != b.keyCount) return false;
     for (const KeyBinding& key : a) {
         const KeyBinding* other = b.findKey(key.name);
-        if (!other || !sameKey(key.data, other->data))
-            return false;
+        if (!other || !sameKey(key.data, other->data)) return false;
     }
     return true;
 }
@@ -43,8 +38,7 @@ void BuiltInProvider::set(InstanceObject& instance, const char* name, const std:
 {
     instance.ft->setProperty(&instance, name, reinterpret_cast<const CMPIValue*>(text.c_str()), CMPI_chars);
     const PropertyInfo* info = instance.classInfo->findProperty(name);
-    if (info && info->key)
-        instance.path->addTextKey(info->name, text);
+    if (info && info->key) instance.path->addTextKey(info->name, text);
 }
 
 void BuiltInProvider::set(InstanceObject& instance, const char* name, std::uint16_t number)
@@ -86,8 +80,7 @@ Outcome BuiltInProvider::enumerateInstanceNames(const CMPIContext*, const PathOb
 {
     RequestScope scope(_broker, classPath.nameSpace);
     for (const InstanceObject* instance : instancesOf(scope, *classPath.classInfo))
-        if (!sink.objectPath(*instance->path))
-            return {CMPI_RC_ERR_FAILED, "the client is gone"};
+        if (!sink.objectPath(*instance->path)) return {CMPI_RC_ERR_FAILED, "the client is gone"};
     return {};
 }
 
@@ -96,18 +89,15 @@ Outcome BuiltInProvider::enumerateInstances(const CMPIContext*, const PathObject
 {
     RequestScope scope(_broker, classPath.nameSpace);
     for (const InstanceObject* instance : instancesOf(scope, *classPath.classInfo))
-        if (!sink.instance(*instance))
-            return {CMPI_RC_ERR_FAILED, "the client is gone"};
+        if (!sink.instance(*instance)) return {CMPI_RC_ERR_FAILED, "the client is gone"};
     return {};
 }
 
 InstanceObject* BuiltInProvider::find(RequestScope& scope, const PathObject& path) const
 {
-    if (!path.classInfo)
-        return nullptr;
+    if (!path.classInfo) return nullptr;
     for (InstanceObject* instance : instancesOf(scope, *path.classInfo))
-        if (samePath(*instance->path, path))
-            return instance;
+        if (samePath(*instance->path, path)) return instance;
     return nullptr;
 }
 
@@ -115,8 +105,7 @@ Outcome BuiltInProvider::getInstance(const CMPIContext*, const PathObject& path,
 {
     RequestScope scope(_broker, path.nameSpace);
     const InstanceObject* instance = find(scope, path);
-    if (!instance)
-        return {CMPI_RC_ERR_NOT_FOUND, "there is no such instance: " + path.text()};
+    if (!instance) return {CMPI_RC_ERR_NOT_FOUND, "there is no such instance: " + path.text()};
     sink.instance(*instance);
     return {};
 }
@@ -134,8 +123,7 @@ std::vector<BuiltInProvider::Link> BuiltInProvider::linksOf(RequestScope& scope,
     const Namespace& nameSpace = path.classInfo->nameSpace();
     const ClassInfo* wanted = assocClass && *assocClass ? nameSpace.find(assocClass) : nullptr;
     for (const ClassInfo* association : associationsIn(nameSpace)) {
-        if (wanted && !association->isA(*wanted))
-            continue;
+        if (wanted && !association->isA(*wanted)) continue;
         for (const InstanceObject* instance : instancesOf(scope, *association))
             for (const KeyBinding& near : *instance->path) {
                 if (near.data.type != CMPI_ref || !samePath(PathObject::of(near.data.value.ref), path) ||
@@ -166,8 +154,7 @@ Outcome BuiltInProvider::associators(const CMPIContext*, const PathObject& path,
     RequestScope scope(_broker, path.nameSpace);
     for (const Link& link : linksOf(scope, path, assocClass, role, resultRole))
         if (hasClass(*link.other, resultClass, path.classInfo->nameSpace()))
-            if (const InstanceObject* instance = find(scope, *link.other))
-                sink.instance(*instance);
+            if (const InstanceObject* instance = find(scope, *link.other)) sink.instance(*instance);
     return {};
 }
 
@@ -177,8 +164,7 @@ Outcome BuiltInProvider::associatorNames(const CMPIContext*, const PathObject& p
 {
     RequestScope scope(_broker, path.nameSpace);
     for (const Link& link : linksOf(scope, path, assocClass, role, resultRole))
-        if (hasClass(*link.other, resultClass, path.classInfo->nameSpace()))
-            sink.objectPath(*link.other);
+        if (hasClass(*link.other, resultClass, path.classInfo->nameSpace())) sink.objectPath(*link.other);
     return {};
 }
 
@@ -188,8 +174,7 @@ Outcome BuiltInProvider::references(const CMPIContext*, const PathObject& path, 
     RequestScope scope(_broker, path.nameSpace);
     const InstanceObject* last = nullptr;
     for (const Link& link : linksOf(scope, path, resultClass, role, nullptr)) {
-        if (link.association != last)
-            sink.instance(*link.association);
+        if (link.association != last) sink.instance(*link.association);
         last = link.association; // both ends may be the given path
     }
     return {};
@@ -201,8 +186,7 @@ Outcome BuiltInProvider::referenceNames(const CMPIContext*, const PathObject& pa
     RequestScope scope(_broker, path.nameSpace);
     const InstanceObject* last = nullptr;
     for (const Link& link : linksOf(scope, path, resultClass, role, nullptr)) {
-        if (link.association != last)
-            sink.objectPath(*link.association->path);
+        if (link.association != last) sink.objectPath(*link.association->path);
         last = link.association;
     }
     return {};

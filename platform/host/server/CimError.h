@@ -34,8 +34,7 @@ private:
 // The outcome of a provider's call as the client may see it: codes that are the C interface's own become 1 (failed).
 inline void throwIfFailed(const Outcome& outcome)
 {
-    if (outcome.rc == CMPI_RC_OK)
-        return;
+    if (outcome.rc == CMPI_RC_OK) return;
     const int code = outcome.rc;
     const bool known = code > 0 && code <= queryFeatureNotSupported;
     throw CimError(known ? code : CMPI_RC_ERR_FAILED, outcome.message);

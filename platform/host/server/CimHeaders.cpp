@@ -21,8 +21,7 @@ std::string extensionPrefix(std::string_view man)
 {
     for (std::size_t at = man.find(';'); at != man.npos; at = man.find(';', at + 1)) {
         std::string_view parameter = trimmed(man.substr(at + 1, man.find(';', at + 1) - at - 1), " \t");
-        if (!sameName(parameter.substr(0, 2), "ns"))
-            continue;
+        if (!sameName(parameter.substr(0, 2), "ns")) continue;
         parameter = trimmed(parameter.substr(2), " \t=\"");
         if (!parameter.empty() && parameter.find_first_not_of("0123456789") == parameter.npos)
             return std::string(parameter) + "-";
@@ -48,8 +47,7 @@ bool namesTarget(std::string_view object, const RequestPath& target)
 
 CimHeaders::CimHeaders(const HttpRequest& request) : _request(request), _extended(request.method == "M-POST")
 {
-    if (!_extended)
-        return;
+    if (!_extended) return;
     const std::string* man = request.find("Man");
     if (!man || man->find(extension) == man->npos)
         throw HttpError(510, "an M-POST request needs a Man header for " + std::string(extension));
@@ -75,16 +73,13 @@ void CimHeaders::check() const
 void CimHeaders::check(const CimRequest& message) const
 {
     const std::string* method = find("CIMMethod");
-    if (method && !sameName(percentDecoded(*method), message.method))
-        mismatch("CIMMethod", *method);
+    if (method && !sameName(percentDecoded(*method), message.method)) mismatch("CIMMethod", *method);
     const std::string* object = find("CIMObject");
-    if (!object)
-        return;
+    if (!object) return;
     const std::string decoded = percentDecoded(*object);
     const std::string_view path = trimmed(decoded, "/ ");
     const bool same = message.intrinsic ? sameName(path, message.nameSpace) : namesTarget(path, message.target);
-    if (!same)
-        mismatch("CIMObject", *object);
+    if (!same) mismatch("CIMObject", *object);
 }
 
 void CimHeaders::answer(ReplyHead& head, unsigned status) const

@@ -4,7 +4,6 @@
 #include <array>
 #include <set>
 #include <stdexcept>
-
 #include <unistd.h>
 
 namespace KDV::Host {
@@ -14,8 +13,7 @@ namespace fs = std::filesystem;
 std::string localHostName()
 {
     std::array<char, 256> name{};
-    if (::gethostname(name.data(), name.size() - 1) != 0 || !name[0])
-        return "localhost";
+    if (::gethostname(name.data(), name.size() - 1) != 0 || !name[0]) return "localhost";
     return name.data();
 }
 
@@ -48,8 +46,7 @@ void CimHost::loadSchema()
 {
     std::vector<fs::path> core;
     for (const auto& entry : fs::directory_iterator(_options.schemaDirectory / "core"))
-        if (entry.path().extension() == ".mof")
-            core.push_back(entry.path());
+        if (entry.path().extension() == ".mof") core.push_back(entry.path());
     std::sort(core.begin(), core.end());
     std::set<std::string> nameSpaces;
     for (const Registration& registration : _registrations)
@@ -71,8 +68,7 @@ void CimHost::loadSchema()
 LibraryProvider& CimHost::library(const Registration& registration)
 {
     for (const auto& each : _libraries)
-        if (each->name() == registration.provider)
-            return *each;
+        if (each->name() == registration.provider) return *each;
     _libraries.push_back(std::make_unique<LibraryProvider>(*_broker, registration.provider, registration.location,
                                                            _options.providerDirectory.string()));
     return *_libraries.back();
@@ -115,8 +111,7 @@ void CimHost::serve() { _server->start(); }
 
 void CimHost::stop()
 {
-    if (_stopped)
-        return;
+    if (_stopped) return;
     _stopped = true;
     _server->stop();
     for (const auto& ending : _endings)

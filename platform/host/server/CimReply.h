@@ -17,7 +17,7 @@ public:
     ReplyStream& stream() noexcept { return _stream; }
     ReplyBuffer& out() noexcept { return _stream.buffer(); }
 
-    void openReturn();  // IRETURNVALUE; operations without a result have none
+    void openReturn(); // IRETURNVALUE; operations without a result have none
     void closeReturn();
     void parameter(std::string_view name, std::string_view type, std::string_view text); // PARAMVALUE with a VALUE
     void nullParameter(std::string_view name, std::string_view type);

@@ -40,8 +40,7 @@ bool isXmlType(const HttpRequest& request)
 CimService::CimService(Broker& broker, Router& router, const OperationTable& operations, std::string hostName)
     : _broker(broker), _router(router), _operations(operations), _fragments(broker.repository()),
       _hostName(std::move(hostName))
-{
-}
+{}
 
 CimService::~CimService() = default;
 
@@ -49,8 +48,7 @@ std::unique_ptr<HttpService::Session> CimService::newSession() { return std::mak
 
 unsigned CimService::precheck(const std::string& method, const std::string& target, ReplyHead& head)
 {
-    if (method == "POST" || method == "M-POST")
-        return isOurTarget(target) ? 0 : 404;
+    if (method == "POST" || method == "M-POST") return isOurTarget(target) ? 0 : 404;
     for (const char* known : knownMethods)
         if (method == known) {
             head.fields.emplace_back("Allow", "POST, M-POST");
@@ -72,8 +70,7 @@ void CimService::serve(const HttpRequest& request, Session* session, ReplyStream
         const CimHeaders headers(request);
         try {
             headers.check();
-            if (!isXmlType(request))
-                throw HttpError(415, "the message must be XML");
+            if (!isXmlType(request)) throw HttpError(415, "the message must be XML");
             const CimRequest message = static_cast<CimSession*>(session)->reader.read(request.body);
             headers.check(message);
             headers.answer(stream.head(), 200);
@@ -118,8 +115,7 @@ void CimService::run(const CimRequest& request, const std::string& host, CimRepl
     Call call(request, *nameSpace, scope, reply, writer);
     call.context.addNumber("CMPIInvocationFlags", 0);
     call.context.addText("CMPIPrincipal", "");
-    if (_broker.profile() != Profile::Sfcb)
-        call.context.addText("CMPIInitNameSpace", nameSpace->name());
+    if (_broker.profile() != Profile::Sfcb) call.context.addText("CMPIInitNameSpace", nameSpace->name());
     if (operation)
         (*operation)(call);
     else

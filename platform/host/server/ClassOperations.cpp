@@ -11,8 +11,7 @@ void getClass(Call& call)
     call.allow({"ClassName", "LocalOnly", "IncludeQualifiers", "IncludeClassOrigin", "PropertyList"});
     // Unlike elsewhere, a class that is not there is "not found" here.
     const ClassInfo* classInfo = call.classInfo("ClassName", CMPI_RC_ERR_NOT_FOUND);
-    if (!classInfo)
-        throw CimError(CMPI_RC_ERR_INVALID_PARAMETER, "the parameter ClassName is missing");
+    if (!classInfo) throw CimError(CMPI_RC_ERR_INVALID_PARAMETER, "the parameter ClassName is missing");
     const auto properties = call.list("PropertyList");
     ClassForm form{call.flag("LocalOnly", true), call.flag("IncludeQualifiers", true),
                    call.flag("IncludeClassOrigin", false), properties ? &*properties : nullptr};
@@ -36,8 +35,7 @@ void enumerateClasses(Call& call)
     call.reply.openReturn();
     for (const ClassInfo* classInfo : classes) {
         appendClass(call.reply.out(), *classInfo, form);
-        if (!call.reply.stream().elementWritten())
-            return;
+        if (!call.reply.stream().elementWritten()) return;
     }
     call.reply.closeReturn();
 }
@@ -49,8 +47,7 @@ void enumerateClassNames(Call& call)
     call.reply.openReturn();
     for (const ClassInfo* classInfo : classes) {
         appendClassName(call.reply.out(), classInfo->name());
-        if (!call.reply.stream().elementWritten())
-            return;
+        if (!call.reply.stream().elementWritten()) return;
     }
     call.reply.closeReturn();
 }

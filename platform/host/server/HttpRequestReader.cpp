@@ -21,12 +21,9 @@ namespace {
 
 unsigned statusOf(const boost::system::error_code& error)
 {
-    if (error == http::error::header_limit)
-        return 431;
-    if (error == http::error::body_limit)
-        return 413;
-    if (error == http::error::bad_version)
-        return 505;
+    if (error == http::error::header_limit) return 431;
+    if (error == http::error::body_limit) return 413;
+    if (error == http::error::bad_version) return 505;
     return 400;
 }
 
@@ -37,8 +34,7 @@ std::string_view view(boost::beast::string_view text) { return {text.data(), tex
 const std::string* HttpRequest::find(std::string_view name) const
 {
     for (const auto& field : fields)
-        if (sameName(field.first, name))
-            return &field.second;
+        if (sameName(field.first, name)) return &field.second;
     return nullptr;
 }
 
@@ -66,8 +62,7 @@ std::size_t HttpRequestReader::take(std::string_view bytes)
     auto& parser = *_parser->of;
     boost::system::error_code error;
     const std::size_t taken = parser.put(boost::asio::buffer(bytes.data(), bytes.size()), error);
-    if (error && error != http::error::need_more)
-        throw HttpError(statusOf(error), error.message());
+    if (error && error != http::error::need_more) throw HttpError(statusOf(error), error.message());
     if (parser.is_header_done() && !_parser->headChecked) {
         checkHead();
         _parser->headChecked = true;
@@ -100,8 +95,7 @@ void HttpRequestReader::checkHead() const
     // The parser takes a list of equal lengths for one.
     if (lengths && view(message[http::field::content_length]).find_first_not_of("0123456789") != std::string_view::npos)
         throw HttpError(400, "Content-Length must be one number");
-    if (codings && message.version() == 10)
-        throw HttpError(400, "HTTP/1.0 has no transfer codings");
+    if (codings && message.version() == 10) throw HttpError(400, "HTTP/1.0 has no transfer codings");
     if (codings && !sameName(view(message[http::field::transfer_encoding]), "chunked"))
         throw HttpError(501, "the only transfer coding taken is chunked");
     if (message.count(http::field::host) > 1 || (message.version() == 11 && message.count(http::field::host) == 0))
@@ -109,8 +103,7 @@ void HttpRequestReader::checkHead() const
     if (message.count(http::field::expect) && !expectsContinue())
         throw HttpError(417, "the only expectation met is 100-continue");
     const bool hasBody = view(message.method_string()) == "POST" || view(message.method_string()) == "M-POST";
-    if (hasBody && !lengths && !codings)
-        throw HttpError(411, "the length of the body must be given");
+    if (hasBody && !lengths && !codings) throw HttpError(411, "the length of the body must be given");
 }
 
 HttpRequest HttpRequestReader::release()

@@ -1,14 +1,13 @@
 #include "hostserver/HttpServer.h"
 
 #include <cerrno>
-#include <stdexcept>
-#include <system_error>
-
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <poll.h>
+#include <stdexcept>
 #include <sys/eventfd.h>
 #include <sys/socket.h>
+#include <system_error>
 #include <unistd.h>
 
 namespace KDV::Host {
@@ -35,8 +34,7 @@ HttpService::Session::~Session() = default;
 HttpServer::HttpServer(HttpService& service, ServerLimits limits) : _service(service), _limits(limits)
 {
     _wake = ::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
-    if (_wake < 0)
-        throw std::system_error(errno, std::generic_category(), "eventfd");
+    if (_wake < 0) throw std::system_error(errno, std::generic_category(), "eventfd");
 }
 
 HttpServer::~HttpServer()
@@ -59,8 +57,7 @@ void HttpServer::start()
 
 void HttpServer::stop()
 {
-    if (!_acceptor.joinable())
-        return;
+    if (!_acceptor.joinable()) return;
     _stopping = true;
     ::eventfd_write(_wake, 1);
     _acceptor.join();
@@ -76,8 +73,7 @@ void HttpServer::stop()
                 connection->socket.cut(late);
                 waiting = waiting || !late;
             }
-        if (waiting)
-            std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        if (waiting) std::this_thread::sleep_for(std::chrono::milliseconds(5));
     }
     reap(true);
 }
@@ -89,16 +85,14 @@ void HttpServer::acceptLoop()
         items.push_back({listener.descriptor(), POLLIN, 0});
     items.push_back({_wake, POLLIN, 0});
     while (!_stopping) {
-        if (::poll(items.data(), items.size(), -1) < 0 && errno != EINTR)
-            return;
+        if (::poll(items.data(), items.size(), -1) < 0 && errno != EINTR) return;
         if (items.back().revents) {
             eventfd_t scrap;
             ::eventfd_read(_wake, &scrap);
         }
         reap(false);
         for (std::size_t i = 0; i < _listeners.size() && !_stopping; ++i)
-            if (items[i].revents)
-                accept(_listeners[i]);
+            if (items[i].revents) accept(_listeners[i]);
     }
 }
 
@@ -140,8 +134,7 @@ void HttpServer::reap(bool all)
         const std::lock_guard lock(_mutex);
         for (auto at = _connections.begin(); at != _connections.end();) {
             const auto next = std::next(at);
-            if (all || (*at)->ended)
-                gone.splice(gone.end(), _connections, at);
+            if (all || (*at)->ended) gone.splice(gone.end(), _connections, at);
             at = next;
         }
     }
@@ -173,35 +166,28 @@ class Receiving {
 public:
     Receiving(Socket& socket, HttpRequestReader& reader, std::string& input, const ServerLimits& limits)
         : _socket(socket), _reader(reader), _input(input), _limits(limits)
-    {
-    }
+    {}
 
     // True at the end of the head, then at the end of the body; false if the peer is gone or was idle for too long.
     bool head()
     {
         const auto opened = Clock::now();
         for (;;) {
-            if (!_begun)
-                _input.erase(0, _input.find_first_not_of("\r\n")); // allowed between requests
+            if (!_begun) _input.erase(0, _input.find_first_not_of("\r\n")); // allowed between requests
             if (!_input.empty()) {
-                if (!_begun)
-                    _start = Clock::now();
+                if (!_begun) _start = Clock::now();
                 _begun = true;
                 feed();
             }
-            if (_reader.headComplete())
-                return true;
-            if (!receive(_begun ? _start + _limits.head : opened + _limits.idle))
-                return false;
+            if (_reader.headComplete()) return true;
+            if (!receive(_begun ? _start + _limits.head : opened + _limits.idle)) return false;
         }
     }
     bool body()
     {
         while (!_reader.complete()) {
-            if (!_input.empty() && feed())
-                continue;
-            if (!receive(_start + _limits.request))
-                return false;
+            if (!_input.empty() && feed()) continue;
+            if (!receive(_start + _limits.request)) return false;
         }
         return true;
     }
@@ -220,10 +206,8 @@ private:
         std::size_t count = 0;
         const IoResult result = _socket.receive(_input.data() + had, readSize, deadline, count);
         _input.resize(had + count);
-        if (result == IoResult::Done)
-            return true;
-        if (!_begun)
-            return false;
+        if (result == IoResult::Done) return true;
+        if (!_begun) return false;
         throw HttpError(result == IoResult::Late ? 408 : 400, "the request did not come to its end");
     }
 
@@ -249,8 +233,7 @@ bool HttpServer::serveOne(Connection& connection, HttpRequestReader& reader, std
     ReplyStream reply(connection.socket, buffer, _limits.stream);
     try {
         Receiving receiving(connection.socket, reader, input, _limits);
-        if (!receiving.head())
-            return false;
+        if (!receiving.head()) return false;
         if (const unsigned status = _service.precheck(reader.method(), reader.target(), reply.head()))
             throw HttpError(status, "refused by the service");
         if (!reader.complete() && reader.expectsContinue() && input.empty()) {
@@ -261,8 +244,7 @@ bool HttpServer::serveOne(Connection& connection, HttpRequestReader& reader, std
             if (connection.socket.send(pieces, count, Clock::now() + _limits.stream.patience) != IoResult::Done)
                 return false;
         }
-        if (!receiving.body())
-            return false;
+        if (!receiving.body()) return false;
     } catch (const HttpError& error) {
         refuse(reply, 11, error.status());
         connection.socket.linger(Clock::now() + lingering);
@@ -271,10 +253,8 @@ bool HttpServer::serveOne(Connection& connection, HttpRequestReader& reader, std
     const HttpRequest request = reader.release();
     reply.begin(request.version, request.keepAlive && !_stopping, takesTrailers(request));
     _service.serve(request, session, reply);
-    if (reply.finish())
-        return true;
-    if (reply.alive())
-        connection.socket.linger(Clock::now() + lingering);
+    if (reply.finish()) return true;
+    if (reply.alive()) connection.socket.linger(Clock::now() + lingering);
     return false;
 }
 

@@ -43,8 +43,7 @@ public:
     bool found() const noexcept { return _found; }
     bool instance(const InstanceObject& instance) override
     {
-        if (!_found)
-            _writer.instance(instance);
+        if (!_found) _writer.instance(instance);
         _found = true;
         return true;
     }
@@ -66,8 +65,7 @@ void getInstance(Router& router, Call& call)
     call.reply.openReturn();
     FirstInstance sink(call.writer);
     throwIfFailed(router.getInstance(&call.context, path, call.propertyNames(), sink));
-    if (!sink.found())
-        throw CimError(CMPI_RC_ERR_NOT_FOUND, "there is no such instance: " + path.text());
+    if (!sink.found()) throw CimError(CMPI_RC_ERR_NOT_FOUND, "there is no such instance: " + path.text());
     call.reply.closeReturn();
 }
 
@@ -86,8 +84,7 @@ PathObject& pathOfNew(Call& call, const ClassInfo& classInfo, const RequestInsta
     path.className = given.className;
     for (const RequestProperty& property : given.properties) {
         const PropertyInfo* info = classInfo.findProperty(property.name);
-        if (!info || !info->key || property.value.kind == ValueKind::Null)
-            continue;
+        if (!info || !info->key || property.value.kind == ValueKind::Null) continue;
         RequestKey key;
         key.name = property.name;
         key.text = property.value.text;
@@ -105,8 +102,7 @@ void createInstance(Router& router, Call& call)
     call.allow({"NewInstance"});
     const RequestInstance& given = givenInstance(call, "NewInstance");
     const ClassInfo* classInfo = call.nameSpace.find(given.className);
-    if (!classInfo)
-        throw CimError(CMPI_RC_ERR_INVALID_CLASS, "there is no class \"" + given.className + "\"");
+    if (!classInfo) throw CimError(CMPI_RC_ERR_INVALID_CLASS, "there is no class \"" + given.className + "\"");
     const PathObject& path = pathOfNew(call, *classInfo, given);
     const InstanceObject& instance = makeInstance(call.scope, call.nameSpace, path, given);
     call.reply.openReturn();
@@ -119,8 +115,7 @@ void modifyInstance(Router& router, Call& call)
 {
     call.allow({"ModifiedInstance", "IncludeQualifiers", "PropertyList"});
     const RequestInstance& given = givenInstance(call, "ModifiedInstance");
-    if (!given.path)
-        throw CimError(CMPI_RC_ERR_INVALID_PARAMETER, "the parameter ModifiedInstance must have a path");
+    if (!given.path) throw CimError(CMPI_RC_ERR_INVALID_PARAMETER, "the parameter ModifiedInstance must have a path");
     const ClassInfo& classInfo = call.classOf(*given.path, CMPI_RC_ERR_INVALID_CLASS);
     const PathObject& path = makePath(call.scope, call.nameSpace, classInfo, *given.path, true);
     const InstanceObject& instance = makeInstance(call.scope, call.nameSpace, path, given);

@@ -19,9 +19,9 @@ InteropProvider::~InteropProvider() = default;
 std::vector<ProviderRoute> InteropProvider::routes()
 {
     std::vector<ProviderRoute> all;
-    const std::pair<const char*, const char*> served[] = {
-        {"interop", managerClass},     {"interop", nameSpaceClass}, {"interop", profileClass},
-        {"interop", conformanceClass}, {"root", childClass},        {"root", nameSpaceClass}};
+    const std::pair<const char*, const char*> served[] = {{"interop", managerClass}, {"interop", nameSpaceClass},
+                                                          {"interop", profileClass}, {"interop", conformanceClass},
+                                                          {"root", childClass},      {"root", nameSpaceClass}};
     for (const auto& [nameSpace, className] : served)
         if (const ClassInfo* classInfo = broker().repository().find(nameSpace, className)) {
             ProviderRoute route;
@@ -37,16 +37,11 @@ std::vector<ProviderRoute> InteropProvider::routes()
 BuiltInProvider::Instances InteropProvider::instancesOf(RequestScope& scope, const ClassInfo& classInfo) const
 {
     const std::string& name = classInfo.name();
-    if (name == managerClass)
-        return {&objectManager(scope, classInfo)};
-    if (name == nameSpaceClass)
-        return nameSpaces(scope, classInfo);
-    if (name == childClass)
-        return childNameSpaces(scope, classInfo);
-    if (name == profileClass)
-        return {&profile(scope, classInfo)};
-    if (name == conformanceClass)
-        return {&conformance(scope, classInfo)};
+    if (name == managerClass) return {&objectManager(scope, classInfo)};
+    if (name == nameSpaceClass) return nameSpaces(scope, classInfo);
+    if (name == childClass) return childNameSpaces(scope, classInfo);
+    if (name == profileClass) return {&profile(scope, classInfo)};
+    if (name == conformanceClass) return {&conformance(scope, classInfo)};
     return {};
 }
 
@@ -104,8 +99,7 @@ BuiltInProvider::Instances InteropProvider::childNameSpaces(RequestScope& scope,
         if (name.size() > start.size() && sameName(std::string_view(name).substr(0, start.size()), start))
             add(name.substr(start.size()));
     }
-    if (broker().repository().findNamespace(start + "interop"))
-        add("interop"); // by its second name
+    if (broker().repository().findNamespace(start + "interop")) add("interop"); // by its second name
     return all;
 }
 

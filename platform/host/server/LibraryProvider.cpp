@@ -17,8 +17,7 @@ public:
 Outcome outcomeOf(const CMPIStatus& status)
 {
     Outcome outcome{status.rc, {}};
-    if (status.msg)
-        outcome.message = StringObject::of(status.msg).text();
+    if (status.msg) outcome.message = StringObject::of(status.msg).text();
     return outcome;
 }
 
@@ -27,18 +26,15 @@ Outcome outcomeOf(const CMPIStatus& status)
 LibraryProvider::LibraryProvider(Broker& broker, std::string name, const std::string& location,
                                  const std::string& directory)
     : _broker(broker), _name(std::move(name)), _module(location, directory)
-{
-}
+{}
 
 LibraryProvider::~LibraryProvider() = default;
 
 Outcome LibraryProvider::create()
 {
     const std::lock_guard lock(_mutex);
-    if (_ended)
-        return {CMPI_RC_ERR_FAILED, "the server is stopping"};
-    if (_ready)
-        return {};
+    if (_ended) return {CMPI_RC_ERR_FAILED, "the server is stopping"};
+    if (_ready) return {};
     const Outcome made = _module.create(_broker, _name);
     _ready = made.rc == CMPI_RC_OK;
     return made;
@@ -57,11 +53,9 @@ Outcome LibraryProvider::call(MI* (ProviderModule::*table)() const noexcept, Res
                               Body body)
 {
     if (!_ready)
-        if (Outcome made = create(); made.rc != CMPI_RC_OK)
-            return made;
+        if (Outcome made = create(); made.rc != CMPI_RC_OK) return made;
     MI* mi = (_module.*table)();
-    if (!mi)
-        return {CMPI_RC_ERR_NOT_SUPPORTED, "the provider " + _name + " has no functions for this operation"};
+    if (!mi) return {CMPI_RC_ERR_NOT_SUPPORTED, "the provider " + _name + " has no functions for this operation"};
     NoSink none;
     ResultObject result(_broker, sink ? *sink : none, kind);
     return outcomeOf(body(mi, result.cmpi()));
@@ -109,9 +103,8 @@ Outcome LibraryProvider::modifyInstance(const CMPIContext* context, const PathOb
 
 Outcome LibraryProvider::deleteInstance(const CMPIContext* context, const PathObject& path)
 {
-    return call(&ProviderModule::instanceMI, nullptr, ResultKind::Any, [&](auto* mi, CMPIResult* result) {
-        return mi->ft->deleteInstance(mi, context, result, &path);
-    });
+    return call(&ProviderModule::instanceMI, nullptr, ResultKind::Any,
+                [&](auto* mi, CMPIResult* result) { return mi->ft->deleteInstance(mi, context, result, &path); });
 }
 
 Outcome LibraryProvider::associators(const CMPIContext* context, const PathObject& path, const char* assocClass,

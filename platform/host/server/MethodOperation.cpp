@@ -40,8 +40,7 @@ void readInputs(Call& call, const MethodInfo* method, ArgsObject& in)
         const ParameterInfo* declared = nullptr;
         if (method)
             for (const ParameterInfo& each : method->parameters)
-                if (each.in && sameName(each.name, given.name))
-                    declared = &each;
+                if (each.in && sameName(each.name, given.name)) declared = &each;
         if (!declared)
             throw CimError(CMPI_RC_ERR_INVALID_PARAMETER,
                            "the method " + call.request.method + " has no parameter " + given.name);
@@ -60,8 +59,7 @@ void invokeMethod(Router& router, Call& call)
     const MethodInfo* method = classInfo.findMethod(call.request.method);
     ArgsObject& in = call.scope.args();
     ArgsObject& out = call.scope.args();
-    if (method)
-        readInputs(call, method, in);
+    if (method) readInputs(call, method, in);
     ReturnValue result(call);
     throwIfFailed(router.invokeMethod(&call.context, path, call.request.method.c_str(), &in, &out, result));
     for (const NamedValue& value : out.values) {

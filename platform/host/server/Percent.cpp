@@ -8,8 +8,7 @@ namespace {
 
 int hexDigit(char c)
 {
-    if (c >= '0' && c <= '9')
-        return c - '0';
+    if (c >= '0' && c <= '9') return c - '0';
     c = lowerCase(c);
     return c >= 'a' && c <= 'f' ? c - 'a' + 10 : -1;
 }

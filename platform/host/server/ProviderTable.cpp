@@ -7,13 +7,10 @@ void ProviderTable::add(const ProviderRoute& route) { _byClass[route.classInfo->
 std::vector<const ProviderRoute*> ProviderTable::below(const ClassInfo& base) const
 {
     std::vector<const ProviderRoute*> found;
-    if (const ProviderRoute* route = find(base))
-        found.push_back(route);
-    if (base.subclasses().empty())
-        return found;
+    if (const ProviderRoute* route = find(base)) found.push_back(route);
+    if (base.subclasses().empty()) return found;
     for (const ClassInfo* derived : base.nameSpace().subclasses(&base, true))
-        if (const ProviderRoute* route = find(*derived))
-            found.push_back(route);
+        if (const ProviderRoute* route = find(*derived)) found.push_back(route);
     return found;
 }
 
@@ -22,8 +19,7 @@ std::vector<const ProviderRoute*> ProviderTable::associations(const Namespace& n
     std::vector<const ProviderRoute*> found;
     for (const auto& classInfo : nameSpace.classes()) {
         const ProviderRoute* route = find(*classInfo);
-        if (route && route->associations)
-            found.push_back(route);
+        if (route && route->associations) found.push_back(route);
     }
     return found;
 }

@@ -20,8 +20,7 @@ bool PullContext::next(std::string& element)
 {
     std::uint32_t length = 0;
     char head[sizeof length];
-    if (_store.read(_read, head, sizeof head) != sizeof head)
-        return false;
+    if (_store.read(_read, head, sizeof head) != sizeof head) return false;
     std::memcpy(&length, head, sizeof length);
     element.resize(length);
     _store.read(_read + sizeof head, element.data(), length);
@@ -31,8 +30,7 @@ bool PullContext::next(std::string& element)
 
 std::uint32_t PullContexts::timeout(const std::uint64_t* asked) const
 {
-    if (!asked)
-        return _limits.defaultTimeout;
+    if (!asked) return _limits.defaultTimeout;
     // 0 would mean for ever.
     if (*asked == 0 || *asked > _limits.longestTimeout)
         throw CimError(invalidOperationTimeout,
@@ -80,8 +78,7 @@ void PullContexts::putBack(const std::string& name, std::unique_ptr<PullContext>
 {
     const std::lock_guard lock(_mutex);
     --_inUse;
-    if (context)
-        _kept[name] = {std::move(context), Clock::now() + std::chrono::seconds(timeout), timeout};
+    if (context) _kept[name] = {std::move(context), Clock::now() + std::chrono::seconds(timeout), timeout};
 }
 
 std::size_t PullContexts::size()

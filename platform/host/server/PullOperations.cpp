@@ -13,8 +13,7 @@ class OpenSink : public ResultSink {
 public:
     OpenSink(Call& call, PullKind kind, std::uint64_t first, const PullLimits& limits)
         : _call(call), _kind(kind), _left(first), _limits(limits)
-    {
-    }
+    {}
     bool instance(const InstanceObject& instance) override
     {
         return _kind == PullKind::InstancesWithPath && add([&] { _call.writer.instanceWithPath(instance); });
@@ -29,7 +28,8 @@ public:
     std::unique_ptr<PullContext> takeContext() { return std::move(_context); }
 
 private:
-    template <class Write> bool add(Write write)
+    template <class Write>
+    bool add(Write write)
     {
         ReplyBuffer& out = _call.reply.out();
         const std::size_t begin = out.size();
@@ -39,8 +39,7 @@ private:
             --_left;
             return _call.reply.stream().elementWritten();
         }
-        if (!_context)
-            _context = std::make_unique<PullContext>(_kind, _call.nameSpace.name(), _limits.memory);
+        if (!_context) _context = std::make_unique<PullContext>(_kind, _call.nameSpace.name(), _limits.memory);
         _context->add(out.view().substr(begin));
         out.truncate(begin);
         return true;
@@ -72,7 +71,8 @@ struct Pulls {
     }
 
     // What all Open operations have in common; `ask` runs the provider.
-    template <class Ask> void open(Call& call, PullKind kind, const PathObject* source, Ask ask)
+    template <class Ask>
+    void open(Call& call, PullKind kind, const PathObject* source, Ask ask)
     {
         if (call.flag("ContinueOnError", false))
             throw CimError(continuationOnErrorNotSupported, "ContinueOnError is not supported");
@@ -86,14 +86,11 @@ struct Pulls {
         stream.providerBegins();
         const Outcome outcome = ask(sink);
         stream.providerEnds();
-        if (!stream.alive())
-            return;
+        if (!stream.alive()) return;
         throwIfFailed(outcome);
-        if (source && sink.count() == 0)
-            checkExists(call, *source);
+        if (source && sink.count() == 0) checkExists(call, *source);
         std::string name;
-        if (auto context = sink.takeContext())
-            name = contexts.keep(std::move(context), timeout);
+        if (auto context = sink.takeContext()) name = contexts.keep(std::move(context), timeout);
         call.reply.closeReturn();
         writeState(call, name);
     }
@@ -125,8 +122,7 @@ struct Pulls {
             std::string element;
             for (std::uint64_t left = most(*asked); left > 0 && context->next(element); --left) {
                 call.reply.out().append(element);
-                if (!call.reply.stream().elementWritten())
-                    break;
+                if (!call.reply.stream().elementWritten()) break;
             }
             call.reply.closeReturn();
         } catch (const std::exception&) {
@@ -134,8 +130,7 @@ struct Pulls {
             throw;
         }
         const bool atEnd = context->atEnd();
-        if (atEnd)
-            context.reset();
+        if (atEnd) context.reset();
         contexts.putBack(*name, std::move(context), timeout);
         writeState(call, atEnd ? std::string() : *name);
     }
@@ -144,8 +139,7 @@ struct Pulls {
     {
         call.allow({"EnumerationContext"});
         const auto name = call.text("EnumerationContext");
-        if (!name)
-            throw CimError(CMPI_RC_ERR_INVALID_PARAMETER, "EnumerationContext must be given");
+        if (!name) throw CimError(CMPI_RC_ERR_INVALID_PARAMETER, "EnumerationContext must be given");
         std::uint32_t timeout = 0;
         contexts.take(*name, timeout);
         contexts.putBack(*name, nullptr, 0);
@@ -169,8 +163,7 @@ void openEnumerate(Pulls pulls, Call& call, PullKind kind)
         call.allow({"ClassName", "FilterQueryLanguage", "FilterQuery", "OperationTimeout", "ContinueOnError",
                     "MaxObjectCount"});
     const PathObject& path = call.scope.path(call.nameSpace.name(), call.requiredClass("ClassName").name());
-    if (kind == PullKind::InstancesWithPath)
-        call.shapeInstances();
+    if (kind == PullKind::InstancesWithPath) call.shapeInstances();
     pulls.open(call, kind, nullptr, [&](ResultSink& sink) {
         return kind == PullKind::InstancesWithPath
                    ? pulls.router.enumerateInstances(&call.context, path, call.propertyNames(), sink)
@@ -191,8 +184,7 @@ void openAssociators(Pulls pulls, Call& call, PullKind kind)
     const PathObject& path = call.instanceName("InstanceName", CMPI_RC_ERR_INVALID_PARAMETER);
     const std::string assocClass = filterClass(call, "AssocClass"), resultClass = filterClass(call, "ResultClass");
     const std::string role = call.text("Role").value_or(""), resultRole = call.text("ResultRole").value_or("");
-    if (!paths)
-        call.shapeInstances();
+    if (!paths) call.shapeInstances();
     pulls.open(call, kind, &path, [&](ResultSink& sink) {
         return paths ? pulls.router.associatorNames(&call.context, path, orNull(assocClass), orNull(resultClass),
                                                     orNull(role), orNull(resultRole), sink)
@@ -212,8 +204,7 @@ void openReferences(Pulls pulls, Call& call, PullKind kind)
                     "FilterQuery", "OperationTimeout", "ContinueOnError", "MaxObjectCount"});
     const PathObject& path = call.instanceName("InstanceName", CMPI_RC_ERR_INVALID_PARAMETER);
     const std::string resultClass = filterClass(call, "ResultClass"), role = call.text("Role").value_or("");
-    if (!paths)
-        call.shapeInstances();
+    if (!paths) call.shapeInstances();
     pulls.open(call, kind, &path, [&](ResultSink& sink) {
         return paths ? pulls.router.referenceNames(&call.context, path, orNull(resultClass), orNull(role), sink)
                      : pulls.router.references(&call.context, path, orNull(resultClass), orNull(role),

@@ -35,13 +35,11 @@ public:
     std::vector<Registration> read()
     {
         std::ifstream stream(_file);
-        if (!stream)
-            throw std::runtime_error(_file.string() + ": " + std::strerror(errno));
+        if (!stream) throw std::runtime_error(_file.string() + ": " + std::strerror(errno));
         for (std::string text; std::getline(stream, text);) {
             ++_line;
             text = trimmed(text);
-            if (text.empty() || text[0] == '#')
-                continue;
+            if (text.empty() || text[0] == '#') continue;
             if (text[0] == '[')
                 beginBlock(text);
             else
@@ -59,15 +57,13 @@ private:
     void beginBlock(const std::string& text)
     {
         checkBlock();
-        if (text.size() < 3 || text.back() != ']')
-            refuse("expected \"[class name]\", found \"" + text + "\"");
+        if (text.size() < 3 || text.back() != ']') refuse("expected \"[class name]\", found \"" + text + "\"");
         _all.emplace_back();
         _all.back().className = text.substr(1, text.size() - 2);
     }
     void checkBlock() const
     {
-        if (_all.empty())
-            return;
+        if (_all.empty()) return;
         const Registration& last = _all.back();
         const bool typed = last.instances || last.associations || last.methods || last.indications;
         if (last.provider.empty() || last.location.empty() || last.nameSpaces.empty() || !typed)
@@ -76,8 +72,7 @@ private:
     void readEntry(const std::string& text)
     {
         const std::size_t colon = text.find(':');
-        if (colon == text.npos || _all.empty())
-            refuse("expected \"key: value\" in a block, found \"" + text + "\"");
+        if (colon == text.npos || _all.empty()) refuse("expected \"key: value\" in a block, found \"" + text + "\"");
         const std::string key = trimmed(text.substr(0, colon));
         const std::string value = trimmed(text.substr(colon + 1));
         Registration& block = _all.back();

@@ -43,8 +43,7 @@ void ReplyStream::begin(unsigned version, bool keepAlive, bool trailers)
 
 bool ReplyStream::addTrailer(std::string name, std::string value)
 {
-    if (!_takesTrailers)
-        return false;
+    if (!_takesTrailers) return false;
     _trailers.emplace_back(std::move(name), std::move(value));
     return true;
 }
@@ -71,15 +70,12 @@ std::string ReplyStream::headText(bool lengthKnown) const
 
 bool ReplyStream::sendChunk()
 {
-    if (!_alive)
-        return false;
-    if (_buffer.empty())
-        return true;
+    if (!_alive) return false;
+    if (_buffer.empty()) return true;
     const bool chunked = _version >= 11;
     std::string head = _started ? std::string() : headText(false);
     _started = true;
-    if (chunked)
-        head += chunkHead(_buffer.size());
+    if (chunked) head += chunkHead(_buffer.size());
     std::array<iovec, 3> pieces{piece(head), piece(_buffer.view()), piece(chunked ? lineEnd : std::string_view())};
     const bool good = put(pieces.data(), static_cast<int>(pieces.size()));
     _buffer.clear();
@@ -92,8 +88,7 @@ bool ReplyStream::put(iovec* pieces, int count)
         spill(pieces, count);
         return true;
     }
-    if (_spill && !drain())
-        return false;
+    if (_spill && !drain()) return false;
     for (int i = 0; i < count; ++i)
         _sent += pieces[i].iov_len;
     const auto begin = Clock::now();
@@ -102,11 +97,10 @@ bool ReplyStream::put(iovec* pieces, int count)
     constexpr std::uint64_t leastRate = 4u << 20; // bytes a second
     const auto allowed = _limits.stall + std::chrono::milliseconds(_sent * 1000 / leastRate) -
                          std::chrono::duration_cast<std::chrono::milliseconds>(_waited);
-    const auto wait = _providerRuns ? std::min(_limits.stall, std::max(allowed, std::chrono::milliseconds(0)))
-                                    : _limits.patience;
+    const auto wait =
+        _providerRuns ? std::min(_limits.stall, std::max(allowed, std::chrono::milliseconds(0))) : _limits.patience;
     const IoResult result = _socket.send(pieces, count, begin + wait);
-    if (_providerRuns)
-        _waited += Clock::now() - begin;
+    if (_providerRuns) _waited += Clock::now() - begin;
     if (result == IoResult::Late && _providerRuns) {
         _spill = std::make_unique<SpillStore>(_limits.memory);
         spill(pieces, count);
@@ -133,8 +127,7 @@ bool ReplyStream::drain()
         iovec* pieces = &one;
         int count = 1;
         _alive = _socket.send(pieces, count, Clock::now() + _limits.patience) == IoResult::Done;
-        if (!_alive)
-            return false;
+        if (!_alive) return false;
         at += size;
     }
     return true;
@@ -143,8 +136,7 @@ bool ReplyStream::drain()
 bool ReplyStream::finish()
 {
     _providerRuns = false;
-    if (!_alive)
-        return false;
+    if (!_alive) return false;
     std::string head;
     std::string tail;
     if (!_started) {

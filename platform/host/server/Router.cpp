@@ -15,8 +15,7 @@ class OwnClassSink : public ResultSink {
 public:
     OwnClassSink(ResultSink& sink, const ProviderTable& providers, const ClassInfo& asked)
         : _sink(sink), _providers(providers), _asked(asked)
-    {
-    }
+    {}
     bool instance(const InstanceObject& instance) override
     {
         return isElsewhere(instance.classInfo) || _sink.instance(instance);
@@ -43,25 +42,21 @@ Outcome unknownClass(std::string_view name)
 
 Router::~Router() = default;
 
-template <class Ask> Outcome Router::enumerate(const PathObject& classPath, ResultSink& sink, Ask ask)
+template <class Ask>
+Outcome Router::enumerate(const PathObject& classPath, ResultSink& sink, Ask ask)
 {
-    if (!classPath.classInfo)
-        return unknownClass(classPath.className);
+    if (!classPath.classInfo) return unknownClass(classPath.className);
     const ClassInfo& base = *classPath.classInfo;
     RequestScope* scope = RequestScope::current(_broker);
-    if (!scope)
-        return {CMPI_RC_ERR_FAILED, "the thread is not attached"};
+    if (!scope) return {CMPI_RC_ERR_FAILED, "the thread is not attached"};
     for (const ProviderRoute* route : _providers.below(base)) {
-        if (!route->instances)
-            continue;
-        const PathObject& path = route->classInfo == &base
-                                     ? classPath
-                                     : scope->path(base.nameSpace().name(), route->classInfo->name());
+        if (!route->instances) continue;
+        const PathObject& path =
+            route->classInfo == &base ? classPath : scope->path(base.nameSpace().name(), route->classInfo->name());
         const bool alone = route->classInfo->subclasses().empty();
         OwnClassSink own(sink, _providers, *route->classInfo);
         Outcome outcome = ask(*route->provider, path, alone ? sink : own);
-        if (outcome.rc != CMPI_RC_OK)
-            return outcome;
+        if (outcome.rc != CMPI_RC_OK) return outcome;
     }
     return {};
 }
@@ -81,7 +76,7 @@ Outcome Router::enumerateInstances(const CMPIContext* context, const PathObject&
     });
 }
 
-const ProviderRoute* Router::routeOf(const PathObject& path, bool ProviderRoute::* kind, Outcome& outcome) const
+const ProviderRoute* Router::routeOf(const PathObject& path, bool ProviderRoute::*kind, Outcome& outcome) const
 {
     if (!path.classInfo) {
         outcome = unknownClass(path.className);
@@ -99,8 +94,7 @@ Outcome Router::getInstance(const CMPIContext* context, const PathObject& path, 
     if (const ProviderRoute* route = routeOf(path, &ProviderRoute::instances, outcome))
         outcome = route->provider->getInstance(context, path, properties, sink);
     // A provider says "no such property" of the key that matched nothing; to a client it is an instance not found.
-    if (outcome.rc == CMPI_RC_ERR_NO_SUCH_PROPERTY)
-        outcome.rc = CMPI_RC_ERR_NOT_FOUND;
+    if (outcome.rc == CMPI_RC_ERR_NO_SUCH_PROPERTY) outcome.rc = CMPI_RC_ERR_NOT_FOUND;
     return outcome;
 }
 
@@ -132,30 +126,27 @@ Outcome Router::deleteInstance(const CMPIContext* context, const PathObject& pat
 
 // Most servers ask each provider once and leave the association class to it; the Pegasus way is a call for each
 // concrete association class.
-template <class Ask> Outcome Router::associate(const PathObject& path, const char* assocClass, Ask ask)
+template <class Ask>
+Outcome Router::associate(const PathObject& path, const char* assocClass, Ask ask)
 {
-    if (!path.classInfo)
-        return {CMPI_RC_ERR_INVALID_PARAMETER, "there is no class " + std::string(path.className)};
+    if (!path.classInfo) return {CMPI_RC_ERR_INVALID_PARAMETER, "there is no class " + std::string(path.className)};
     const Namespace& nameSpace = path.classInfo->nameSpace();
     const ClassInfo* wanted = assocClass && *assocClass ? nameSpace.find(assocClass) : nullptr;
     const bool perClass = _broker.profile() == Profile::Pegasus;
     std::vector<ClassProvider*> asked;
     for (const ProviderRoute* route : _providers.associations(nameSpace)) {
-        if (wanted && !route->classInfo->isA(*wanted))
-            continue;
-        if (!perClass && std::find(asked.begin(), asked.end(), route->provider) != asked.end())
-            continue;
+        if (wanted && !route->classInfo->isA(*wanted)) continue;
+        if (!perClass && std::find(asked.begin(), asked.end(), route->provider) != asked.end()) continue;
         asked.push_back(route->provider);
         Outcome outcome = ask(*route->provider, perClass ? route->classInfo->name().c_str() : assocClass);
-        if (outcome.rc != CMPI_RC_OK)
-            return outcome;
+        if (outcome.rc != CMPI_RC_OK) return outcome;
     }
     return {};
 }
 
 Outcome Router::associators(const CMPIContext* context, const PathObject& path, const char* assocClass,
-                            const char* resultClass, const char* role, const char* resultRole,
-                            const char** properties, ResultSink& sink)
+                            const char* resultClass, const char* role, const char* resultRole, const char** properties,
+                            ResultSink& sink)
 {
     return associate(path, assocClass, [&](ClassProvider& provider, const char* association) {
         return provider.associators(context, path, association, resultClass, role, resultRole, properties, sink);
@@ -186,11 +177,10 @@ Outcome Router::referenceNames(const CMPIContext* context, const PathObject& pat
     });
 }
 
-Outcome Router::invokeMethod(const CMPIContext* context, const PathObject& path, const char* method,
-                             const CMPIArgs* in, CMPIArgs* out, ResultSink& sink)
+Outcome Router::invokeMethod(const CMPIContext* context, const PathObject& path, const char* method, const CMPIArgs* in,
+                             CMPIArgs* out, ResultSink& sink)
 {
-    if (!path.classInfo)
-        return unknownClass(path.className);
+    if (!path.classInfo) return unknownClass(path.className);
     // One of the servers leaves the method's name to the provider.
     if (!path.classInfo->findMethod(method) && _broker.profile() != Profile::Sfcb)
         return {CMPI_RC_ERR_METHOD_NOT_FOUND,

@@ -38,9 +38,11 @@ public:
                          CMPIArgs* out, ResultSink& sink) override;
 
 private:
-    template <class Ask> Outcome enumerate(const PathObject& classPath, ResultSink& sink, Ask ask);
-    template <class Ask> Outcome associate(const PathObject& path, const char* assocClass, Ask ask);
-    const ProviderRoute* routeOf(const PathObject& path, bool ProviderRoute::* kind, Outcome& outcome) const;
+    template <class Ask>
+    Outcome enumerate(const PathObject& classPath, ResultSink& sink, Ask ask);
+    template <class Ask>
+    Outcome associate(const PathObject& path, const char* assocClass, Ask ask);
+    const ProviderRoute* routeOf(const PathObject& path, bool ProviderRoute::*kind, Outcome& outcome) const;
 
     Broker& _broker;
     const ProviderTable& _providers;

@@ -4,16 +4,15 @@
 #include <array>
 #include <cerrno>
 #include <memory>
-#include <stdexcept>
-#include <system_error>
-#include <utility>
-
 #include <netdb.h>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <poll.h>
+#include <stdexcept>
 #include <sys/socket.h>
+#include <system_error>
 #include <unistd.h>
+#include <utility>
 
 namespace KDV::Host {
 
@@ -35,8 +34,7 @@ Socket& Socket::operator=(Socket&& other) noexcept
 
 Socket::~Socket()
 {
-    if (_descriptor >= 0)
-        ::close(_descriptor);
+    if (_descriptor >= 0) ::close(_descriptor);
 }
 
 IoResult Socket::wait(short events, Clock::time_point deadline) const noexcept
@@ -45,12 +43,9 @@ IoResult Socket::wait(short events, Clock::time_point deadline) const noexcept
         const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now()).count();
         pollfd item{_descriptor, events, 0};
         const int ready = ::poll(&item, 1, static_cast<int>(std::clamp<long long>(left, 0, 3'600'000)));
-        if (ready > 0)
-            return IoResult::Done;
-        if (ready == 0 && Clock::now() >= deadline)
-            return IoResult::Late;
-        if (ready < 0 && errno != EINTR)
-            return IoResult::Closed;
+        if (ready > 0) return IoResult::Done;
+        if (ready == 0 && Clock::now() >= deadline) return IoResult::Late;
+        if (ready < 0 && errno != EINTR) return IoResult::Closed;
     }
 }
 
@@ -62,10 +57,8 @@ IoResult Socket::receive(char* to, std::size_t size, Clock::time_point deadline,
             count = static_cast<std::size_t>(got);
             return IoResult::Done;
         }
-        if (got == 0 || (!wouldBlock() && errno != EINTR))
-            return IoResult::Closed;
-        if (const IoResult result = wait(POLLIN, deadline); result != IoResult::Done)
-            return result;
+        if (got == 0 || (!wouldBlock() && errno != EINTR)) return IoResult::Closed;
+        if (const IoResult result = wait(POLLIN, deadline); result != IoResult::Done) return result;
     }
 }
 
@@ -77,12 +70,9 @@ IoResult Socket::send(iovec*& pieces, int& count, Clock::time_point deadline) no
         message.msg_iovlen = static_cast<std::size_t>(count);
         const ssize_t sent = ::sendmsg(_descriptor, &message, MSG_NOSIGNAL);
         if (sent < 0) {
-            if (errno == EINTR)
-                continue;
-            if (!wouldBlock())
-                return IoResult::Closed;
-            if (const IoResult result = wait(POLLOUT, deadline); result != IoResult::Done)
-                return result;
+            if (errno == EINTR) continue;
+            if (!wouldBlock()) return IoResult::Closed;
+            if (const IoResult result = wait(POLLOUT, deadline); result != IoResult::Done) return result;
             continue;
         }
         for (auto left = static_cast<std::size_t>(sent); count > 0;) {
@@ -106,8 +96,7 @@ void Socket::linger(Clock::time_point deadline) noexcept
     std::size_t count = 0;
     constexpr std::size_t enough = 1u << 20;
     for (std::size_t total = 0; total < enough; total += count)
-        if (receive(scrap.data(), scrap.size(), deadline, count) != IoResult::Done)
-            return;
+        if (receive(scrap.data(), scrap.size(), deadline, count) != IoResult::Done) return;
 }
 
 void Socket::cut(bool both) const noexcept { ::shutdown(_descriptor, both ? SHUT_RDWR : SHUT_RD); }
@@ -116,14 +105,12 @@ Endpoint Endpoint::parse(const std::string& text)
 {
     Endpoint endpoint;
     const std::size_t colon = text.rfind(':');
-    if (colon == text.npos)
-        throw std::invalid_argument("\"" + text + "\" is not ADDRESS:PORT");
+    if (colon == text.npos) throw std::invalid_argument("\"" + text + "\" is not ADDRESS:PORT");
     endpoint.address = text.substr(0, colon);
     endpoint.port = text.substr(colon + 1);
     const bool bracketed =
         endpoint.address.size() > 2 && endpoint.address.front() == '[' && endpoint.address.back() == ']';
-    if (bracketed)
-        endpoint.address = endpoint.address.substr(1, endpoint.address.size() - 2);
+    if (bracketed) endpoint.address = endpoint.address.substr(1, endpoint.address.size() - 2);
     const bool digits =
         !endpoint.port.empty() && endpoint.port.size() <= 5 &&
         std::all_of(endpoint.port.begin(), endpoint.port.end(), [](char c) { return c >= '0' && c <= '9'; });
@@ -145,8 +132,7 @@ Socket listenAt(const Endpoint& endpoint, Endpoint& bound)
     const std::unique_ptr<addrinfo, decltype(&::freeaddrinfo)> owner(found, &::freeaddrinfo);
 
     Socket socket(::socket(found->ai_family, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
-    if (socket.descriptor() < 0)
-        throwErrno("cannot listen at " + shown);
+    if (socket.descriptor() < 0) throwErrno("cannot listen at " + shown);
     const int on = 1;
     ::setsockopt(socket.descriptor(), SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
     if (::bind(socket.descriptor(), found->ai_addr, found->ai_addrlen) != 0 || ::listen(socket.descriptor(), 128) != 0)

@@ -6,7 +6,6 @@
 #include <chrono>
 #include <cstddef>
 #include <string>
-
 #include <sys/uio.h>
 
 namespace KDV::Host {

@@ -4,9 +4,8 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
-#include <system_error>
-
 #include <fcntl.h>
+#include <system_error>
 #include <unistd.h>
 
 namespace KDV::Host {
@@ -17,8 +16,7 @@ namespace {
 
 SpillStore::~SpillStore()
 {
-    if (_file >= 0)
-        ::close(_file);
+    if (_file >= 0) ::close(_file);
 }
 
 void SpillStore::openFile()
@@ -26,13 +24,11 @@ void SpillStore::openFile()
     const char* chosen = std::getenv("TMPDIR");
     const std::string directory = chosen && *chosen ? chosen : "/var/tmp";
     _file = ::open(directory.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0600);
-    if (_file >= 0)
-        return;
+    if (_file >= 0) return;
     // Not every file system knows files without a name.
     std::string name = directory + "/kdv-cimhost.XXXXXX";
     _file = ::mkostemp(name.data(), O_CLOEXEC);
-    if (_file < 0)
-        throwErrno("cannot make a temporary file");
+    if (_file < 0) throwErrno("cannot make a temporary file");
     ::unlink(name.c_str());
 }
 
@@ -43,14 +39,11 @@ void SpillStore::append(std::string_view bytes)
         _memory.append(part);
         bytes.remove_prefix(part.size());
     }
-    if (!bytes.empty() && _file < 0)
-        openFile();
+    if (!bytes.empty() && _file < 0) openFile();
     while (!bytes.empty()) {
         const ssize_t written = ::pwrite(_file, bytes.data(), bytes.size(), static_cast<off_t>(_fileSize));
-        if (written < 0 && errno == EINTR)
-            continue;
-        if (written <= 0)
-            throwErrno("cannot write a temporary file");
+        if (written < 0 && errno == EINTR) continue;
+        if (written <= 0) throwErrno("cannot write a temporary file");
         _fileSize += static_cast<std::uint64_t>(written);
         bytes.remove_prefix(static_cast<std::size_t>(written));
     }
@@ -66,10 +59,8 @@ std::size_t SpillStore::read(std::uint64_t offset, char* to, std::size_t size) c
     while (got < size && offset + got < this->size()) {
         const std::uint64_t inFile = offset + got - _memory.size();
         const ssize_t count = ::pread(_file, to + got, size - got, static_cast<off_t>(inFile));
-        if (count < 0 && errno == EINTR)
-            continue;
-        if (count <= 0)
-            throwErrno("cannot read a temporary file");
+        if (count < 0 && errno == EINTR) continue;
+        if (count <= 0) throwErrno("cannot read a temporary file");
         got += static_cast<std::size_t>(count);
     }
     return got;

@@ -17,12 +17,10 @@ std::string takeQuoted(std::string_view& rest, std::string_view whole)
     std::string value;
     std::size_t at = 1;
     for (; at < rest.size() && rest[at] != '"'; ++at) {
-        if (rest[at] == '\\' && ++at == rest.size())
-            break;
+        if (rest[at] == '\\' && ++at == rest.size()) break;
         value += rest[at];
     }
-    if (at >= rest.size())
-        refuse(whole);
+    if (at >= rest.size()) refuse(whole);
     rest.remove_prefix(at + 1);
     return value;
 }
@@ -40,8 +38,7 @@ RequestPath readUntypedPath(std::string_view text)
     rest = point == rest.npos ? std::string_view() : rest.substr(point + 1);
     if (head.substr(0, 2) == "//") {
         const std::size_t slash = head.find('/', 2);
-        if (slash == head.npos)
-            refuse(text);
+        if (slash == head.npos) refuse(text);
         path.host = head.substr(2, slash - 2);
         head.remove_prefix(slash + 1);
     }
@@ -51,13 +48,11 @@ RequestPath readUntypedPath(std::string_view text)
         head.remove_prefix(colon + 1);
     }
     path.className = head;
-    if (path.className.empty() || rest.empty())
-        refuse(text);
+    if (path.className.empty() || rest.empty()) refuse(text);
     while (!rest.empty()) {
         RequestKey key;
         const std::size_t equals = rest.find('=');
-        if (equals == 0 || equals == rest.npos || equals + 1 == rest.size())
-            refuse(text);
+        if (equals == 0 || equals == rest.npos || equals + 1 == rest.size()) refuse(text);
         key.name = rest.substr(0, equals);
         rest.remove_prefix(equals + 1);
         if (rest[0] == '"') {
@@ -68,8 +63,7 @@ RequestPath readUntypedPath(std::string_view text)
             rest.remove_prefix(key.text.size());
         }
         path.keys.push_back(std::move(key));
-        if (!rest.empty() && rest[0] != ',')
-            refuse(text);
+        if (!rest.empty() && rest[0] != ',') refuse(text);
         rest.remove_prefix(rest.empty() ? 0 : 1);
     }
     return path;

@@ -18,15 +18,13 @@ public:
 
     bool instance(const InstanceObject& instance) override
     {
-        if (!_instanceForm)
-            return false;
+        if (!_instanceForm) return false;
         (_writer.*_instanceForm)(instance);
         return _stream.elementWritten();
     }
     bool objectPath(const PathObject& path) override
     {
-        if (!_pathForm)
-            return false;
+        if (!_pathForm) return false;
         (_writer.*_pathForm)(path);
         return _stream.elementWritten();
     }
@@ -40,15 +38,15 @@ private:
 };
 
 // Runs a provider's call whose results are streamed: a client that stalls meanwhile does not hold the provider.
-template <class Ask> void streamResults(Call& call, Ask ask)
+template <class Ask>
+void streamResults(Call& call, Ask ask)
 {
     ReplyStream& stream = call.reply.stream();
     call.reply.openReturn();
     stream.providerBegins();
     const Outcome outcome = ask();
     stream.providerEnds();
-    if (stream.alive())
-        throwIfFailed(outcome);
+    if (stream.alive()) throwIfFailed(outcome);
     call.reply.closeReturn();
 }
 

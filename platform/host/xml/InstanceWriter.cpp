@@ -11,8 +11,7 @@ namespace {
 bool hasNothing(const ArrayObject& array)
 {
     for (const CMPIData& element : array)
-        if (!isNull(element))
-            return false;
+        if (!isNull(element)) return false;
     return true;
 }
 
@@ -20,16 +19,13 @@ bool hasNothing(const ArrayObject& array)
 
 bool PropertySelection::has(const ClassInfo* classInfo, const PropertyInfo& property)
 {
-    if (_all)
-        return true;
+    if (_all) return true;
     const auto named = [&](std::string_view name) {
         for (const std::string& wanted : _names)
-            if (sameName(wanted, name))
-                return true;
+            if (sameName(wanted, name)) return true;
         return false;
     };
-    if (!classInfo || property.index < 0)
-        return named(property.name);
+    if (!classInfo || property.index < 0) return named(property.name);
     if (_class != classInfo) {
         _class = classInfo;
         _byIndex.clear();
@@ -42,13 +38,11 @@ bool PropertySelection::has(const ClassInfo* classInfo, const PropertyInfo& prop
 InstanceWriter::InstanceWriter(ReplyBuffer& out, FragmentCache& fragments, std::string_view host,
                                std::string_view nameSpace)
     : _out(out), _fragments(fragments), _host(host), _nameSpace(nameSpace)
-{
-}
+{}
 
 const ClassFragments* InstanceWriter::fragmentsOf(const ClassInfo* classInfo)
 {
-    if (!classInfo)
-        return nullptr;
+    if (!classInfo) return nullptr;
     if (classInfo != _lastClass) {
         _lastFragments = &_fragments.of(*classInfo, _classOrigin);
         _lastClass = classInfo;
@@ -111,8 +105,7 @@ void InstanceWriter::property(const InstanceObject& instance, const PropertyEntr
     const bool null = entry.isNull() || ((entry.type & CMPI_ARRAY) && hasNothing(ArrayObject::of(entry.value.array)));
     if (fragments && info.index >= 0) {
         const PropertyFragments& fragment = fragments->properties[static_cast<std::size_t>(info.index)];
-        if (null && entry.type == fragment.type)
-            return _out.append(fragment.null);
+        if (null && entry.type == fragment.type) return _out.append(fragment.null);
         if (entry.type == fragment.type) {
             _out.append(fragment.open);
             propertyBody(entry.type, entry.value);
@@ -123,8 +116,7 @@ void InstanceWriter::property(const InstanceObject& instance, const PropertyEntr
                                     : info.origin        ? std::string_view(info.origin->name())
                                     : instance.classInfo ? std::string_view(instance.classInfo->name())
                                                          : instance.path->className;
-    if (null)
-        return _out.append(propertyNull(info.name, origin, entry.type));
+    if (null) return _out.append(propertyNull(info.name, origin, entry.type));
     _out.append(propertyOpen(info.name, origin, entry.type));
     propertyBody(entry.type, entry.value);
     _out.append(propertyClose(entry.type));
@@ -132,10 +124,8 @@ void InstanceWriter::property(const InstanceObject& instance, const PropertyEntr
 
 void InstanceWriter::propertyBody(CMPIType type, const CMPIValue& value)
 {
-    if (type & CMPI_ARRAY)
-        return array(ArrayObject::of(value.array));
-    if (type == CMPI_ref)
-        return referencedPath(PathObject::of(value.ref));
+    if (type & CMPI_ARRAY) return array(ArrayObject::of(value.array));
+    if (type == CMPI_ref) return referencedPath(PathObject::of(value.ref));
     scalar(type, value);
 }
 
@@ -143,8 +133,7 @@ void InstanceWriter::array(const ArrayObject& array)
 {
     for (const CMPIData& element : array) {
         // There is VALUE.NULL, but clients as common as wbemcli give up on the whole reply when they meet it.
-        if (isNull(element))
-            continue;
+        if (isNull(element)) continue;
         if (array.elementType == CMPI_ref) {
             _out.append("<VALUE.REFERENCE>");
             referencedPath(PathObject::of(element.value.ref));
@@ -160,21 +149,36 @@ void InstanceWriter::array(const ArrayObject& array)
 void InstanceWriter::scalar(CMPIType type, const CMPIValue& value)
 {
     switch (type) {
-    case CMPI_boolean: return _out.append(value.boolean ? "TRUE" : "FALSE");
-    case CMPI_char16: return appendChar16(_out, value.char16);
-    case CMPI_real32: return appendNumber(_out, value.real32);
-    case CMPI_real64: return appendNumber(_out, value.real64);
-    case CMPI_uint8: return appendNumber(_out, std::uint64_t{value.uint8});
-    case CMPI_uint16: return appendNumber(_out, std::uint64_t{value.uint16});
-    case CMPI_uint32: return appendNumber(_out, std::uint64_t{value.uint32});
-    case CMPI_uint64: return appendNumber(_out, std::uint64_t{value.uint64});
-    case CMPI_sint8: return appendNumber(_out, std::int64_t{value.sint8});
-    case CMPI_sint16: return appendNumber(_out, std::int64_t{value.sint16});
-    case CMPI_sint32: return appendNumber(_out, std::int64_t{value.sint32});
-    case CMPI_sint64: return appendNumber(_out, std::int64_t{value.sint64});
-    case CMPI_string: return appendText(_out, textOf(value));
-    case CMPI_dateTime: return appendText(_out, dateTextOf(value));
-    case CMPI_ref: return appendText(_out, PathObject::of(value.ref).text());
+    case CMPI_boolean:
+        return _out.append(value.boolean ? "TRUE" : "FALSE");
+    case CMPI_char16:
+        return appendChar16(_out, value.char16);
+    case CMPI_real32:
+        return appendNumber(_out, value.real32);
+    case CMPI_real64:
+        return appendNumber(_out, value.real64);
+    case CMPI_uint8:
+        return appendNumber(_out, std::uint64_t{value.uint8});
+    case CMPI_uint16:
+        return appendNumber(_out, std::uint64_t{value.uint16});
+    case CMPI_uint32:
+        return appendNumber(_out, std::uint64_t{value.uint32});
+    case CMPI_uint64:
+        return appendNumber(_out, std::uint64_t{value.uint64});
+    case CMPI_sint8:
+        return appendNumber(_out, std::int64_t{value.sint8});
+    case CMPI_sint16:
+        return appendNumber(_out, std::int64_t{value.sint16});
+    case CMPI_sint32:
+        return appendNumber(_out, std::int64_t{value.sint32});
+    case CMPI_sint64:
+        return appendNumber(_out, std::int64_t{value.sint64});
+    case CMPI_string:
+        return appendText(_out, textOf(value));
+    case CMPI_dateTime:
+        return appendText(_out, dateTextOf(value));
+    case CMPI_ref:
+        return appendText(_out, PathObject::of(value.ref).text());
     case CMPI_instance: {
         // An embedded instance is XML as text: written apart, then escaped as a whole.
         ReplyBuffer xml;
@@ -183,14 +187,14 @@ void InstanceWriter::scalar(CMPIType type, const CMPIValue& value)
         writer.instance(InstanceObject::of(value.inst));
         return appendText(_out, xml.view());
     }
-    default: return;
+    default:
+        return;
     }
 }
 
 void InstanceWriter::value(const CMPIData& data)
 {
-    if (isNull(data))
-        return;
+    if (isNull(data)) return;
     if (data.type & CMPI_ARRAY) {
         const ArrayObject& elements = ArrayObject::of(data.value.array);
         const bool references = elements.elementType == CMPI_ref;

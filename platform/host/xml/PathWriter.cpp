@@ -16,8 +16,8 @@ void InstanceWriter::key(std::string_view name, const PropertyInfo* property, co
     }
     _out.append("<KEYBINDING NAME=\"");
     appendAttribute(_out, name);
-    const bool numeric = data.type != CMPI_string && data.type != CMPI_dateTime && data.type != CMPI_boolean &&
-                         data.type != CMPI_char16;
+    const bool numeric =
+        data.type != CMPI_string && data.type != CMPI_dateTime && data.type != CMPI_boolean && data.type != CMPI_char16;
     if (data.type == CMPI_ref) {
         _out.append("\"><VALUE.REFERENCE>");
         referencedPath(PathObject::of(data.value.ref));
@@ -26,8 +26,7 @@ void InstanceWriter::key(std::string_view name, const PropertyInfo* property, co
     _out.append("\"><KEYVALUE VALUETYPE=\"");
     _out.append(data.type == CMPI_boolean ? "boolean" : numeric ? "numeric" : "string");
     _out.append("\">");
-    if (!isNull(data))
-        scalar(data.type, data.value);
+    if (!isNull(data)) scalar(data.type, data.value);
     _out.append("</KEYVALUE></KEYBINDING>");
 }
 
@@ -53,8 +52,7 @@ void InstanceWriter::instanceName(const PathObject& path)
 void InstanceWriter::nameOf(const InstanceObject& instance)
 {
     const PathObject& path = *instance.path;
-    if (!instance.classInfo || path.keyCount >= instance.classInfo->keys().size())
-        return instanceName(path);
+    if (!instance.classInfo || path.keyCount >= instance.classInfo->keys().size()) return instanceName(path);
     _out.append(fragmentsOf(instance.classInfo)->nameOpen);
     for (int index : instance.classInfo->keys()) {
         const PropertyInfo& info = instance.classInfo->properties()[static_cast<std::size_t>(index)];
@@ -85,10 +83,8 @@ void InstanceWriter::localNameSpacePath(std::string_view nameSpace)
 
 void InstanceWriter::nameSpacePath(std::string_view host, std::string_view nameSpace)
 {
-    if (host.empty())
-        host = _host;
-    if (nameSpace.empty())
-        nameSpace = _nameSpace;
+    if (host.empty()) host = _host;
+    if (nameSpace.empty()) nameSpace = _nameSpace;
     if (host != _lastHost || nameSpace != _lastNameSpace || _lastNameSpacePath.empty()) {
         const std::size_t begin = _out.size();
         _out.append("<NAMESPACEPATH><HOST>");
@@ -131,14 +127,12 @@ void InstanceWriter::referencedPath(const PathObject& path)
 {
     const bool isClass = path.keyCount == 0;
     const auto name = [&] {
-        if (!isClass)
-            return instanceName(path);
+        if (!isClass) return instanceName(path);
         _out.append("<CLASSNAME NAME=\"");
         appendAttribute(_out, path.className);
         _out.append("\"/>");
     };
-    if (path.nameSpace.empty())
-        return name();
+    if (path.nameSpace.empty()) return name();
     if (path.host.empty()) {
         _out.append(isClass ? "<LOCALCLASSPATH>" : "<LOCALINSTANCEPATH>");
         localNameSpacePath(path.nameSpace);

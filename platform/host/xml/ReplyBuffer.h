@@ -25,16 +25,14 @@ public:
     // Space for at least `count` more bytes; what was written there counts after commit().
     char* room(std::size_t count)
     {
-        if (static_cast<std::size_t>(_limit - _end) < count)
-            grow(count);
+        if (static_cast<std::size_t>(_limit - _end) < count) grow(count);
         return _end;
     }
     void commit(char* end) noexcept { _end = end; }
 
     void append(std::string_view text)
     {
-        if (text.empty())
-            return;
+        if (text.empty()) return;
         std::memcpy(room(text.size()), text.data(), text.size());
         _end += text.size();
     }

@@ -29,12 +29,10 @@ std::string readLocalNameSpacePath(TreeCursor at)
     for (TreeCursor part = at.child(); part; part = part.next()) {
         part.expect("NAMESPACE");
         part.expectNoChildren();
-        if (!path.empty())
-            path += '/';
+        if (!path.empty()) path += '/';
         path += part.required("NAME");
     }
-    if (path.empty())
-        at.refuse("is empty");
+    if (path.empty()) at.refuse("is empty");
     return path;
 }
 
@@ -79,8 +77,7 @@ void readInstanceName(TreeCursor at, RequestPath& path)
             key.name = child.required("NAME");
             readKeyContent(child.only(), key);
         } else {
-            if (child.next() || !path.keys.empty())
-                child.refuse("stands beside other keys and has no name");
+            if (child.next() || !path.keys.empty()) child.refuse("stands beside other keys and has no name");
             readKeyContent(child, key);
         }
         path.keys.push_back(std::move(key));
@@ -190,10 +187,8 @@ RequestProperty readProperty(TreeCursor at)
     // Clients write the name of this attribute in either case.
     property.embedded = !at.attribute("EmbeddedObject", at.attribute("EMBEDDEDOBJECT", "")).empty();
     for (TreeCursor child = at.child(); child; child = child.next()) {
-        if (child.is("QUALIFIER"))
-            continue;
-        if (child.next())
-            child.refuse("is followed by another value");
+        if (child.is("QUALIFIER")) continue;
+        if (child.next()) child.refuse("is followed by another value");
         property.value = readValue(child);
     }
     return property;
@@ -205,8 +200,7 @@ RequestInstance readInstance(TreeCursor at)
     RequestInstance instance;
     instance.className = at.required("CLASSNAME");
     for (TreeCursor child = at.child(); child; child = child.next())
-        if (!child.is("QUALIFIER"))
-            instance.properties.push_back(readProperty(child));
+        if (!child.is("QUALIFIER")) instance.properties.push_back(readProperty(child));
     return instance;
 }
 
@@ -218,8 +212,7 @@ RequestParameter readParameter(TreeCursor at, std::string_view element)
     parameter.name = at.required("NAME");
     parameter.type = at.attribute("PARAMTYPE", "");
     if (TreeCursor value = at.child()) {
-        if (value.next())
-            at.refuse("has more than one value");
+        if (value.next()) at.refuse("has more than one value");
         parameter.value = readValue(value);
     }
     return parameter;
@@ -228,12 +221,10 @@ RequestParameter readParameter(TreeCursor at, std::string_view element)
 void readCall(TreeCursor at, CimRequest& request)
 {
     request.intrinsic = at.is("IMETHODCALL");
-    if (!request.intrinsic)
-        at.expect("METHODCALL");
+    if (!request.intrinsic) at.expect("METHODCALL");
     request.method = at.required("NAME");
     TreeCursor target = at.child();
-    if (!target)
-        at.refuse("has no target");
+    if (!target) at.refuse("has no target");
     if (request.intrinsic) {
         request.nameSpace = readLocalNameSpacePath(target);
     } else {
@@ -252,16 +243,14 @@ void readMessage(TreeCursor message, CimRequest& request)
         throw RequestError(RequestFault::UnsupportedProtocolVersion, "PROTOCOLVERSION must be 1.x");
     request.messageId = message.required("ID");
     const TreeCursor kind = message.only();
-    if (kind.is("MULTIREQ"))
-        throw RequestError(RequestFault::MultipleRequestsUnsupported, "MULTIREQ is not supported");
+    if (kind.is("MULTIREQ")) throw RequestError(RequestFault::MultipleRequestsUnsupported, "MULTIREQ is not supported");
     if (kind.is("SIMPLEEXPREQ") || kind.is("MULTIEXPREQ"))
         throw RequestError(RequestFault::UnsupportedOperation, "this server takes no export messages");
     kind.expect("SIMPLEREQ");
     TreeCursor call = kind.child();
     while (call && call.is("CORRELATOR"))
         call = call.next();
-    if (!call || call.next())
-        kind.refuse("must hold one call");
+    if (!call || call.next()) kind.refuse("must hold one call");
     readCall(call, request);
 }
 
@@ -270,8 +259,7 @@ void readMessage(TreeCursor message, CimRequest& request)
 const RequestParameter* CimRequest::find(std::string_view name) const
 {
     for (const RequestParameter& parameter : parameters)
-        if (sameNameText(parameter.name, name))
-            return &parameter;
+        if (sameNameText(parameter.name, name)) return &parameter;
     return nullptr;
 }
 

@@ -16,10 +16,7 @@ public:
 
     explicit operator bool() const noexcept { return _at != XmlTree::none; }
     std::string_view name() const { return _tree->name(_at); }
-    std::string_view text() const
-    {
-        return _tree->text(_at);
-    }
+    std::string_view text() const { return _tree->text(_at); }
     bool is(std::string_view element) const { return name() == element; }
 
     TreeCursor child() const { return {*_tree, _tree->at(_at).firstChild}; }
@@ -40,20 +37,17 @@ public:
     }
     const TreeCursor& expect(std::string_view element) const
     {
-        if (!is(element))
-            refuse("stands where " + std::string(element) + " must");
+        if (!is(element)) refuse("stands where " + std::string(element) + " must");
         return *this;
     }
     void expectNoChildren() const
     {
-        if (child())
-            refuse("must be empty");
+        if (child()) refuse("must be empty");
     }
     std::string_view required(std::string_view attributeName) const
     {
         std::string_view value;
-        if (!_tree->attribute(_at, attributeName, value))
-            refuse("lacks the attribute " + std::string(attributeName));
+        if (!_tree->attribute(_at, attributeName, value)) refuse("lacks the attribute " + std::string(attributeName));
         return value;
     }
     std::string_view attribute(std::string_view attributeName, std::string_view otherwise) const
@@ -64,8 +58,8 @@ public:
     }
     [[noreturn]] void refuse(const std::string& what) const
     {
-        throw RequestError(RequestFault::NotLooselyValid, "line " + std::to_string(_tree->at(_at).line) +
-                                                              ": element " + std::string(name()) + " " + what);
+        throw RequestError(RequestFault::NotLooselyValid, "line " + std::to_string(_tree->at(_at).line) + ": element " +
+                                                              std::string(name()) + " " + what);
     }
 
 private:

@@ -22,12 +22,9 @@ void appendPropertyTag(ReplyBuffer& out, std::string_view name, std::string_view
     const auto element = static_cast<CMPIType>(type & ~CMPI_ARRAY);
     out.append(element == CMPI_ref ? "<PROPERTY.REFERENCE" : array ? "<PROPERTY.ARRAY" : "<PROPERTY");
     appendNamed(out, "NAME", name);
-    if (!origin.empty())
-        appendNamed(out, "CLASSORIGIN", origin);
-    if (element != CMPI_ref)
-        appendNamed(out, "TYPE", xmlTypeName(element));
-    if (element == CMPI_instance)
-        appendNamed(out, "EmbeddedObject", "instance");
+    if (!origin.empty()) appendNamed(out, "CLASSORIGIN", origin);
+    if (element != CMPI_ref) appendNamed(out, "TYPE", xmlTypeName(element));
+    if (element == CMPI_instance) appendNamed(out, "EmbeddedObject", "instance");
 }
 
 std::string instanceTag(std::string_view element, std::string_view className)
@@ -69,21 +66,36 @@ KeyFragments keyFragments(const PropertyInfo& key)
 std::string_view xmlTypeName(CMPIType type) noexcept
 {
     switch (type & ~CMPI_ARRAY) {
-    case CMPI_boolean: return "boolean";
-    case CMPI_char16: return "char16";
-    case CMPI_real32: return "real32";
-    case CMPI_real64: return "real64";
-    case CMPI_uint8: return "uint8";
-    case CMPI_uint16: return "uint16";
-    case CMPI_uint32: return "uint32";
-    case CMPI_uint64: return "uint64";
-    case CMPI_sint8: return "sint8";
-    case CMPI_sint16: return "sint16";
-    case CMPI_sint32: return "sint32";
-    case CMPI_sint64: return "sint64";
-    case CMPI_dateTime: return "datetime";
-    case CMPI_ref: return "reference";
-    default: return "string";
+    case CMPI_boolean:
+        return "boolean";
+    case CMPI_char16:
+        return "char16";
+    case CMPI_real32:
+        return "real32";
+    case CMPI_real64:
+        return "real64";
+    case CMPI_uint8:
+        return "uint8";
+    case CMPI_uint16:
+        return "uint16";
+    case CMPI_uint32:
+        return "uint32";
+    case CMPI_uint64:
+        return "uint64";
+    case CMPI_sint8:
+        return "sint8";
+    case CMPI_sint16:
+        return "sint16";
+    case CMPI_sint32:
+        return "sint32";
+    case CMPI_sint64:
+        return "sint64";
+    case CMPI_dateTime:
+        return "datetime";
+    case CMPI_ref:
+        return "reference";
+    default:
+        return "string";
     }
 }
 
@@ -112,8 +124,7 @@ std::string propertyNull(std::string_view name, std::string_view origin, CMPITyp
 
 std::string_view propertyClose(CMPIType type) noexcept
 {
-    if ((type & ~CMPI_ARRAY) == CMPI_ref)
-        return "</VALUE.REFERENCE></PROPERTY.REFERENCE>\n";
+    if ((type & ~CMPI_ARRAY) == CMPI_ref) return "</VALUE.REFERENCE></PROPERTY.REFERENCE>\n";
     return type & CMPI_ARRAY ? "</VALUE.ARRAY></PROPERTY.ARRAY>\n" : "</VALUE></PROPERTY>\n";
 }
 
@@ -138,8 +149,7 @@ const ClassFragments& FragmentCache::make(const ClassInfo& classInfo, bool class
         made->keys.push_back(property.key ? keyFragments(property) : KeyFragments());
     }
     const ClassFragments* expected = nullptr;
-    if (slot.compare_exchange_strong(expected, made.get(), std::memory_order_acq_rel))
-        return *made.release();
+    if (slot.compare_exchange_strong(expected, made.get(), std::memory_order_acq_rel)) return *made.release();
     return *expected; // another thread was first
 }
 

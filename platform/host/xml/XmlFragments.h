@@ -30,8 +30,8 @@ struct KeyFragments {
 };
 
 struct ClassFragments {
-    std::string instanceOpen; // <INSTANCE CLASSNAME="...">
-    std::string nameOpen;     // <INSTANCENAME CLASSNAME="...">
+    std::string instanceOpen;                  // <INSTANCE CLASSNAME="...">
+    std::string nameOpen;                      // <INSTANCENAME CLASSNAME="...">
     std::vector<PropertyFragments> properties; // by the class's property index
     std::vector<KeyFragments> keys;            // by the class's property index; empty for other properties
 };
@@ -52,8 +52,7 @@ public:
     const ClassFragments& of(const ClassInfo& classInfo, bool classOrigin)
     {
         auto& slot = _slots[classInfo.number() * 2 + (classOrigin ? 1 : 0)];
-        if (const ClassFragments* made = slot.load(std::memory_order_acquire))
-            return *made;
+        if (const ClassFragments* made = slot.load(std::memory_order_acquire)) return *made;
         return make(classInfo, classOrigin, slot);
     }
 

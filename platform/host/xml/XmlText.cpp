@@ -68,8 +68,7 @@ bool validSequence(const unsigned char* from, std::size_t left, std::size_t& len
     } else
         return false;
     for (std::size_t i = 1; i <= need; ++i, ++length) {
-        if (i >= left || from[i] < low || from[i] > high)
-            return false;
+        if (i >= left || from[i] < low || from[i] > high) return false;
         low = 0x80;
         high = 0xBF;
     }
@@ -91,14 +90,22 @@ char* appendSpecial(char* to, const char*& from, const char* end, bool attribute
     }
     ++from;
     switch (c) {
-    case '&': return copy(to, "&amp;");
-    case '<': return copy(to, "&lt;");
-    case '>': return copy(to, "&gt;");
-    case '"': return copy(to, "&quot;");
-    case '\r': return copy(to, "&#13;");
-    case '\n': return copy(to, attribute ? "&#10;" : "\n");
-    case '\t': return copy(to, attribute ? "&#9;" : "\t");
-    default: return copy(to, replacement);
+    case '&':
+        return copy(to, "&amp;");
+    case '<':
+        return copy(to, "&lt;");
+    case '>':
+        return copy(to, "&gt;");
+    case '"':
+        return copy(to, "&quot;");
+    case '\r':
+        return copy(to, "&#13;");
+    case '\n':
+        return copy(to, attribute ? "&#10;" : "\n");
+    case '\t':
+        return copy(to, attribute ? "&#9;" : "\t");
+    default:
+        return copy(to, replacement);
     }
 }
 
@@ -110,16 +117,14 @@ void appendEscaped(ReplyBuffer& out, std::string_view text, bool attribute)
     while (from != end) {
         while (end - from >= static_cast<std::ptrdiff_t>(sizeof(std::uint64_t))) {
             const std::uint64_t word = loadWord(from);
-            if (!isPlain(word))
-                break;
+            if (!isPlain(word)) break;
             std::memcpy(to, &word, sizeof word);
             from += sizeof word;
             to += sizeof word;
         }
         while (from != end && isPlain(static_cast<unsigned char>(*from)))
             *to++ = *from++;
-        if (from == end)
-            break;
+        if (from == end) break;
         // What follows may take more than was asked for: from here on room for the worst case of a run.
         out.commit(to);
         to = out.room(static_cast<std::size_t>(end - from) + 4 * longestPerByte + sizeof(std::uint64_t));
@@ -128,26 +133,25 @@ void appendEscaped(ReplyBuffer& out, std::string_view text, bool attribute)
     out.commit(to);
 }
 
-template <class Number> void appendInteger(ReplyBuffer& out, Number value)
+template <class Number>
+void appendInteger(ReplyBuffer& out, Number value)
 {
     constexpr std::size_t longest = 20; // of a 64-bit number with its sign
     char* to = out.room(longest);
     out.commit(std::to_chars(to, to + longest, value).ptr);
 }
 
-template <class Real> void appendReal(ReplyBuffer& out, Real value)
+template <class Real>
+void appendReal(ReplyBuffer& out, Real value)
 {
-    if (std::isnan(value))
-        return out.append("NaN");
-    if (std::isinf(value))
-        return out.append(value < 0 ? "-INF" : "INF");
+    if (std::isnan(value)) return out.append("NaN");
+    if (std::isinf(value)) return out.append(value < 0 ? "-INF" : "INF");
     std::array<char, 40> text;
     const auto result = std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::scientific);
     const std::string_view all(text.data(), static_cast<std::size_t>(result.ptr - text.data()));
     const std::size_t exponent = all.find('e');
     out.append(all.substr(0, exponent));
-    if (all.find('.') == all.npos)
-        out.append(".0");
+    if (all.find('.') == all.npos) out.append(".0");
     out.append(all.substr(exponent));
 }
 
@@ -159,8 +163,7 @@ void appendAttribute(ReplyBuffer& out, std::string_view text) { appendEscaped(ou
 void appendNumber(ReplyBuffer& out, std::uint64_t value)
 {
     // Codes and states are most of what is published.
-    if (value < 10)
-        return out.append(static_cast<char>('0' + value));
+    if (value < 10) return out.append(static_cast<char>('0' + value));
     appendInteger(out, value);
 }
 

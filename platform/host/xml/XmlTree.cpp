@@ -13,10 +13,7 @@ namespace KDV::Host {
 namespace {
 
 // The elements whose content is text and nothing else; everywhere else only white space may stand between elements.
-bool isTextElement(std::string_view name)
-{
-    return name == "VALUE" || name == "KEYVALUE" || name == "HOST";
-}
+bool isTextElement(std::string_view name) { return name == "VALUE" || name == "KEYVALUE" || name == "HOST"; }
 
 constexpr std::string_view blanks = " \t\r\n";
 
@@ -26,11 +23,11 @@ constexpr std::string_view blanks = " \t\r\n";
 struct XmlTree::Callbacks {
     static XmlTree& tree(void* data) { return *static_cast<XmlTree*>(data); }
 
-    template <class Body> static void guarded(void* data, Body body) noexcept
+    template <class Body>
+    static void guarded(void* data, Body body) noexcept
     {
         XmlTree& self = tree(data);
-        if (self._fault >= 0)
-            return;
+        if (self._fault >= 0) return;
         try {
             body(self);
         } catch (const std::exception&) {
@@ -73,8 +70,7 @@ void XmlTree::read(std::string_view document)
     else
         XML_ParserReset(static_cast<XML_Parser>(_parser), nullptr);
     auto* parser = static_cast<XML_Parser>(_parser);
-    if (!parser)
-        throw std::bad_alloc();
+    if (!parser) throw std::bad_alloc();
     XML_SetUserData(parser, this);
     XML_SetElementHandler(parser, Callbacks::start, Callbacks::end);
     XML_SetCharacterDataHandler(parser, Callbacks::content);
@@ -86,12 +82,10 @@ void XmlTree::read(std::string_view document)
     for (std::size_t at = 0; status == XML_STATUS_OK && at <= document.size(); at += piece) {
         const std::size_t size = std::min(piece, document.size() - at);
         status = XML_Parse(parser, document.data() + at, static_cast<int>(size), at + size == document.size());
-        if (at + size == document.size())
-            break;
+        if (at + size == document.size()) break;
     }
     const std::string line = "line " + std::to_string(XML_GetCurrentLineNumber(parser)) + ": ";
-    if (_fault >= 0)
-        throw RequestError(static_cast<RequestFault>(_fault), line + _what);
+    if (_fault >= 0) throw RequestError(static_cast<RequestFault>(_fault), line + _what);
     if (status != XML_STATUS_OK)
         throw RequestError(RequestFault::NotWellFormed, line + XML_ErrorString(XML_GetErrorCode(parser)));
 }
@@ -142,8 +136,8 @@ void XmlTree::start(const char* name, const char** attributes)
     element.firstAttribute = static_cast<std::uint32_t>(_attributes.size());
     for (; *attributes; attributes += 2) {
         if (++element.attributes > _limits.attributesPerElement)
-            return refuse(notValid, "an element with more than " + std::to_string(_limits.attributesPerElement) +
-                                        " attributes");
+            return refuse(notValid,
+                          "an element with more than " + std::to_string(_limits.attributesPerElement) + " attributes");
         Attribute attribute;
         attribute.name = keep(attributes[0]);
         attribute.value = keep(attributes[1]);
@@ -157,8 +151,7 @@ void XmlTree::start(const char* name, const char** attributes)
 
 void XmlTree::content(std::string_view text)
 {
-    if (_open.empty())
-        return;
+    if (_open.empty()) return;
     if (_open.back().holdsText) {
         // The element has no children, so its pieces of text follow each other.
         _text.append(text);

@@ -15,8 +15,7 @@ namespace {
 
 void require(bool holds)
 {
-    if (!holds)
-        std::abort();
+    if (!holds) std::abort();
 }
 
 // Written as content and as an attribute, a text must be readable, and written again it must not change any more.
@@ -69,8 +68,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             taken = http.take(left);
             left.remove_prefix(taken);
         }
-        if (http.complete())
-            readMessage(http.release().body);
+        if (http.complete()) readMessage(http.release().body);
     } catch (const HttpError& error) {
         require(error.status() >= 400);
     }

@@ -20,8 +20,8 @@ std::string escaped(const std::string& text)
 
 std::string unescaped(std::string text)
 {
-    const std::pair<std::string, std::string> entities[] = {
-        {"&quot;", "\""}, {"&apos;", "'"}, {"&lt;", "<"}, {"&gt;", ">"}, {"&#34;", "\""}, {"&amp;", "&"}};
+    const std::pair<std::string, std::string> entities[] = {{"&quot;", "\""}, {"&apos;", "'"}, {"&lt;", "<"},
+                                                            {"&gt;", ">"},    {"&#34;", "\""}, {"&amp;", "&"}};
     for (const auto& [entity, character] : entities)
         for (std::size_t at = 0; (at = text.find(entity, at)) != text.npos; at += character.size())
             text.replace(at, entity.size(), character);
@@ -117,23 +117,21 @@ std::string AlertsFixture::staticFilter() const
 std::string AlertsFixture::makeFilter(const std::string& name, const std::string& language,
                                       const std::string& query) const
 {
-    return create("CIM_IndicationFilter", property("Name", "string", name) +
-                                              property("QueryLanguage", "string", language) +
-                                              property("Query", "string", query) +
-                                              property("SourceNamespace", "string", "root/vnr"));
+    return create("CIM_IndicationFilter",
+                  property("Name", "string", name) + property("QueryLanguage", "string", language) +
+                      property("Query", "string", query) + property("SourceNamespace", "string", "root/vnr"));
 }
 
 Subscribed AlertsFixture::subscribe(const TestListener& listener, const std::string& name,
                                     const std::string& filter) const
 {
     Subscribed made;
-    made.destination =
-        create("CIM_ListenerDestinationCIMXML", property("Name", "string", name) +
-                                                    property("Destination", "string", listener.url()) +
-                                                    property("PersistenceType", "uint16", "2"));
+    made.destination = create("CIM_ListenerDestinationCIMXML", property("Name", "string", name) +
+                                                                   property("Destination", "string", listener.url()) +
+                                                                   property("PersistenceType", "uint16", "2"));
     made.subscription =
-        create("CIM_IndicationSubscription", reference("Filter", filter.empty() ? staticFilter() : filter) +
-                                                 reference("Handler", made.destination));
+        create("CIM_IndicationSubscription",
+               reference("Filter", filter.empty() ? staticFilter() : filter) + reference("Handler", made.destination));
     return made;
 }
 

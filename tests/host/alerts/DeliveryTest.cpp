@@ -1,6 +1,5 @@
 // Listeners that misbehave for a while. Passes go on meanwhile, and afterwards everything has arrived in order.
 #include "AlertsFixture.h"
-
 #include "hosttest/CimClient.h"
 
 using namespace KDV::Host::Test;

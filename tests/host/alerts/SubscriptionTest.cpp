@@ -1,7 +1,6 @@
 // Who has alerts, of what, and for how long: filters of the client's own, restarts, ends of subscriptions, nobody
 // there.
 #include "AlertsFixture.h"
-
 #include "hosttest/CimClient.h"
 
 #include <gmock/gmock.h>
@@ -32,9 +31,9 @@ TEST_F(SubscriptionOfAlerts, WithAFilterOfItsOwnGetsWhatTheFilterSelects)
     subscribe(listener, "all");
     subscribe(severe, "severe",
               makeFilter("severe", "WQL", "SELECT * FROM KDV_SASIndication WHERE PerceivedSeverity >= 5"));
-    subscribe(disks, "disks",
-              makeFilter("disks", "DMTF:CQL",
-                         "SELECT * FROM KDV_SASIndication WHERE EventID = '204' OR EventID = '201'"));
+    subscribe(
+        disks, "disks",
+        makeFilter("disks", "DMTF:CQL", "SELECT * FROM KDV_SASIndication WHERE EventID = '204' OR EventID = '201'"));
     subscribe(
         other, "other",
         makeFilter("other", "WQL", "SELECT * FROM KDV_SASIndication WHERE NOT (HWSerialNumber = 'SP0711K4X004')"));
@@ -62,14 +61,13 @@ TEST_F(SubscriptionOfAlerts, CannotBeMadeOfAQueryThatMeansNothing)
 {
     serveFile();
     const auto codeOf = [&](const std::string& language, const std::string& query) {
-        return errorCode(machine.ask("CreateInstance",
-                                     parameter("NewInstance", "<INSTANCE CLASSNAME=\"CIM_IndicationFilter\">" +
-                                                                  property("Name", "string", "wrong") +
-                                                                  property("QueryLanguage", "string", language) +
-                                                                  property("Query", "string", query) +
-                                                                  property("SourceNamespace", "string", "root/vnr") +
-                                                                  "</INSTANCE>"),
-                                     "interop"));
+        return errorCode(machine.ask(
+            "CreateInstance",
+            parameter("NewInstance",
+                      "<INSTANCE CLASSNAME=\"CIM_IndicationFilter\">" + property("Name", "string", "wrong") +
+                          property("QueryLanguage", "string", language) + property("Query", "string", query) +
+                          property("SourceNamespace", "string", "root/vnr") + "</INSTANCE>"),
+            "interop"));
     };
     EXPECT_EQ(codeOf("Prolog", "alert(X)."), 14u);
     EXPECT_EQ(codeOf("WQL", "SELECT FROM WHERE"), 15u);

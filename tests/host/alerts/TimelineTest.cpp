@@ -2,7 +2,6 @@
 // which its change is due, and nothing else. The provider's own clock may make a pass at any time, so the expectation
 // is held against the number of passes that were made, not against those that the test asked for.
 #include "AlertsFixture.h"
-
 #include "hosttest/CimClient.h"
 
 #include <set>
@@ -13,8 +12,8 @@ using namespace KDV::Host::Test;
 
 namespace {
 
-constexpr unsigned roundPasses = 12;   // passes after which the scenario begins again
-constexpr unsigned pulledAt = 5; // the refresh at which the disk is away; the next one sees it back
+constexpr unsigned roundPasses = 12; // passes after which the scenario begins again
+constexpr unsigned pulledAt = 5;     // the refresh at which the disk is away; the next one sees it back
 
 struct Due {
     unsigned atPass; // of the scenario, whose first pass is the provider's own start
@@ -27,9 +26,9 @@ const std::string predicting = "KDV_SASDiskDrive IA1CZ90R0104";
 const std::string failing = "KDV_SASDiskDrive SP0711K4X004";
 
 const std::vector<Due> oneRound = {
-    {2, {"305", shelf, "5"}},      {3, {"304", shelf, "2"}},   {4, {"204", predicting, "3"}},
-    {7, {"103", volume, "5"}},     {7, {"202", failing, "5"}}, {8, {"103", volume, "5"}},
-    {9, {"101", volume, "2"}},     {10, {"201", failing, "2"}}, {11, {"201", predicting, "2"}},
+    {2, {"305", shelf, "5"}},  {3, {"304", shelf, "2"}},    {4, {"204", predicting, "3"}},
+    {7, {"103", volume, "5"}}, {7, {"202", failing, "5"}},  {8, {"103", volume, "5"}},
+    {9, {"101", volume, "2"}}, {10, {"201", failing, "2"}}, {11, {"201", predicting, "2"}},
 };
 
 // What must have been sent when the worker has made so many passes.
@@ -122,8 +121,7 @@ TEST_F(Timeline, APulledDiskIsGoneForOnePassAndThenBack)
         const unsigned before = machine.passes();
         machine.performWork();
         const std::size_t now = machine.countNames("KDV_SASDiskDrive");
-        const unsigned error =
-            errorCode(machine.ask("GetInstance", parameter("InstanceName", pulledDisk())));
+        const unsigned error = errorCode(machine.ask("GetInstance", parameter("InstanceName", pulledDisk())));
         const unsigned made = machine.passes();
         if (made != before + 1) continue; // another pass came in between: nobody can tell which state was seen
         const bool gone = (made + 1) % roundPasses == pulledAt;
@@ -174,8 +172,7 @@ TEST_F(Timeline, AMachineThatFailedAsAWholeIsAlertedElementByElementOnce)
                                    {"102", "KDV_SASStorageVolume StorageVolume:1", "6"}};
     for (int disk = 0; disk < 6; ++disk)
         expected.push_back({"202", "KDV_SASDiskDrive XF00FAIL000" + std::to_string(disk), "5"});
-    for (const auto& [event, severity] :
-         {std::pair{"301", "5"}, std::pair{"305", "5"}, std::pair{"309", "6"}})
+    for (const auto& [event, severity] : {std::pair{"301", "5"}, std::pair{"305", "5"}, std::pair{"309", "6"}})
         expected.push_back({event, box, severity});
     ASSERT_TRUE(listener.waitForTaken(expected.size()));
     EXPECT_EQ(alertsOf(listener.taken()), expected);

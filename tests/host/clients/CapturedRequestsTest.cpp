@@ -1,6 +1,5 @@
 // Requests written as two kinds of clients send them, header by header: scripts, and wbemcli.
 #include "ProgramHost.h"
-
 #include "hosttest/CimClient.h"
 #include "hosttest/ReplyChecker.h"
 
@@ -14,15 +13,17 @@ std::string scriptHead(const std::string& method, const std::string& object, con
 {
     return "POST /cimom HTTP/1.1\r\nHost: 127.0.0.1:5988\r\nUser-Agent: scripts/1.0\r\nAccept-Encoding: gzip, "
            "deflate\r\nAccept: */*\r\nConnection: keep-alive\r\nContent-type: application/xml; charset=\"utf-8\"\r\n"
-           "Content-Length: " + std::to_string(body.size()) + "\r\nCIMOperation: MethodCall\r\nCIMMethod: " + method +
+           "Content-Length: " +
+           std::to_string(body.size()) + "\r\nCIMOperation: MethodCall\r\nCIMMethod: " + method +
            "\r\nCIMObject: " + object + "\r\nAuthorization: Basic dTpw\r\n\r\n" + body;
 }
 
 std::string wbemcliHead(const std::string& method, const std::string& object, const std::string& body)
 {
     return "POST /cimom HTTP/1.1\r\nHost: 127.0.0.1:5988\r\nContent-Type: application/xml; charset=\"utf-8\"\r\n"
-           "Connection: Keep-Alive, TE\r\nCIMProtocolVersion: 1.0\r\nCIMOperation: MethodCall\r\nCIMMethod: " + method +
-           "\r\nCIMObject: " + object + "\r\nContent-Length: " + std::to_string(body.size()) + "\r\n\r\n" + body;
+           "Connection: Keep-Alive, TE\r\nCIMProtocolVersion: 1.0\r\nCIMOperation: MethodCall\r\nCIMMethod: " +
+           method + "\r\nCIMObject: " + object + "\r\nContent-Length: " + std::to_string(body.size()) + "\r\n\r\n" +
+           body;
 }
 
 std::string scriptBody(const std::string& call)
@@ -36,9 +37,11 @@ std::string scriptBody(const std::string& call)
 std::string wbemcliBody(const std::string& method, const std::string& parameters)
 {
     return "<?xml version=\"1.0\" encoding=\"utf-8\" ?>\n<CIM CIMVERSION=\"2.0\" DTDVERSION=\"2.0\">\n"
-           "<MESSAGE ID=\"4711\" PROTOCOLVERSION=\"1.0\"><SIMPLEREQ><IMETHODCALL NAME=\"" + method +
+           "<MESSAGE ID=\"4711\" PROTOCOLVERSION=\"1.0\"><SIMPLEREQ><IMETHODCALL NAME=\"" +
+           method +
            "\"><LOCALNAMESPACEPATH><NAMESPACE NAME=\"root\"></NAMESPACE><NAMESPACE NAME=\"vnr\"></NAMESPACE>"
-           "</LOCALNAMESPACEPATH>\n" + parameters +
+           "</LOCALNAMESPACEPATH>\n" +
+           parameters +
            "<IPARAMVALUE NAME=\"IncludeQualifiers\"><VALUE>FALSE</VALUE></IPARAMVALUE>\n"
            "<IPARAMVALUE NAME=\"IncludeClassOrigin\"><VALUE>TRUE</VALUE></IPARAMVALUE>\n</IMETHODCALL></SIMPLEREQ>\n"
            "</MESSAGE></CIM>";
@@ -109,9 +112,9 @@ TEST_F(CapturedRequests, OfWbemcliAreAnswered)
         "4711");
     EXPECT_NE(disks.find("CLASSORIGIN=\"CIM_LogicalDevice\""), std::string::npos);
     const std::string name = between(disks, "<VALUE.NAMEDINSTANCE>", "<INSTANCE ");
-    const std::string found = reply(
-        wbemcliHead("Associators", "root%2Fvnr",
-                    wbemcliBody("Associators", "<IPARAMVALUE NAME=\"ObjectName\">" + name + "</IPARAMVALUE>\n")),
-        "4711");
+    const std::string found =
+        reply(wbemcliHead("Associators", "root%2Fvnr",
+                          wbemcliBody("Associators", "<IPARAMVALUE NAME=\"ObjectName\">" + name + "</IPARAMVALUE>\n")),
+              "4711");
     EXPECT_GT(count(found, "<VALUE.OBJECTWITHPATH>"), 1u);
 }

@@ -1,6 +1,5 @@
 // The whole model of the default scenario as a client sees it over HTTP, every reply held against the document type.
 #include "ProgramHost.h"
-
 #include "hosttest/CimClient.h"
 #include "hosttest/ReplyChecker.h"
 
@@ -83,8 +82,7 @@ TEST_F(Model, EveryInstanceCanBeReachedFromAnArraySystem)
         waiting.pop_front();
         missing.erase(name);
         for (const std::string& next : namesIn(ask("AssociatorNames", parameter("ObjectName", name))))
-            if (seen.insert(next).second)
-                waiting.push_back(next);
+            if (seen.insert(next).second) waiting.push_back(next);
     }
     EXPECT_TRUE(missing.empty()) << missing.size() << " not reached, the first " << *missing.begin();
 }
@@ -111,8 +109,7 @@ TEST_F(Model, EveryClassCanBeReadAndEveryServedClassAnswers)
         at += begin.size();
         const std::string name = names.substr(at, names.find('"', at) - at);
         EXPECT_EQ(count(ask("GetClass", classParameter(name) + parameter("LocalOnly", value("FALSE"))), "<CLASS "), 1u);
-        if (name.compare(0, 4, "KDV_") == 0)
-            ask("EnumerateInstances", classParameter(name));
+        if (name.compare(0, 4, "KDV_") == 0) ask("EnumerateInstances", classParameter(name));
     }
     EXPECT_GT(classes, 100u);
 }

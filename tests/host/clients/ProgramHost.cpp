@@ -4,10 +4,9 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
+#include <fcntl.h>
 #include <filesystem>
 #include <stdexcept>
-
-#include <fcntl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -22,8 +21,7 @@ const std::string scenario = KDV_SOURCE_DIR "/scenarios/default.json";
 pid_t start(const std::vector<std::string>& command, int& output)
 {
     std::array<int, 2> ends;
-    if (::pipe2(ends.data(), O_CLOEXEC) != 0)
-        throw std::runtime_error("pipe");
+    if (::pipe2(ends.data(), O_CLOEXEC) != 0) throw std::runtime_error("pipe");
     std::vector<char*> arguments;
     for (const std::string& each : command)
         arguments.push_back(const_cast<char*>(each.c_str()));
@@ -39,8 +37,7 @@ pid_t start(const std::vector<std::string>& command, int& output)
     }
     ::close(ends[1]);
     output = ends[0];
-    if (process < 0)
-        throw std::runtime_error("fork");
+    if (process < 0) throw std::runtime_error("fork");
     return process;
 }
 
@@ -57,8 +54,7 @@ bool readMore(int from, std::string& text)
 {
     std::array<char, 4096> block;
     const ssize_t got = ::read(from, block.data(), block.size());
-    if (got > 0)
-        text.append(block.data(), static_cast<std::size_t>(got));
+    if (got > 0) text.append(block.data(), static_cast<std::size_t>(got));
     return got > 0;
 }
 
@@ -67,15 +63,13 @@ bool readMore(int from, std::string& text)
 ProgramHost::ProgramHost(const std::vector<std::string>& arguments)
 {
     std::string folder = (std::filesystem::temp_directory_path() / "kdv-host-state-XXXXXX").string();
-    if (!::mkdtemp(folder.data()))
-        throw std::runtime_error("cannot make a temporary folder");
+    if (!::mkdtemp(folder.data())) throw std::runtime_error("cannot make a temporary folder");
     _state = folder;
     std::vector<std::string> command{program, "--listen", "127.0.0.1:0", "--state-dir", _state};
     command.insert(command.end(), arguments.begin(), arguments.end());
     _process = start(command, _output);
     while (_greeting.find("ends on SIGTERM") == _greeting.npos)
-        if (!readMore(_output, _greeting))
-            throw std::runtime_error("kdv-cimhost did not start: " + _greeting);
+        if (!readMore(_output, _greeting)) throw std::runtime_error("kdv-cimhost did not start: " + _greeting);
     const std::string before = "http://127.0.0.1:";
     _port = static_cast<std::uint16_t>(std::stoul(_greeting.substr(_greeting.find(before) + before.size())));
 }

@@ -4,9 +4,8 @@
 
 #include <cstdint>
 #include <string>
-#include <vector>
-
 #include <sys/types.h>
+#include <vector>
 
 namespace KDV::Host::Test {
 

@@ -15,8 +15,7 @@ std::vector<std::string> linesOf(const std::string& text)
     std::istringstream stream(text);
     std::vector<std::string> lines;
     for (std::string line; std::getline(stream, line);)
-        if (!line.empty())
-            lines.push_back(line);
+        if (!line.empty()) lines.push_back(line);
     return lines;
 }
 
@@ -28,8 +27,7 @@ protected:
     static void TearDownTestSuite() { delete host; }
     void SetUp() override
     {
-        if (run({"sh", "-c", "command -v wbemcli"}).status != 0)
-            GTEST_SKIP() << "wbemcli is not installed";
+        if (run({"sh", "-c", "command -v wbemcli"}).status != 0) GTEST_SKIP() << "wbemcli is not installed";
     }
     std::string url(const std::string& object) const
     {
@@ -58,10 +56,10 @@ ProgramHost* Wbemcli::host = nullptr;
 TEST_F(Wbemcli, PrintsTheArraySystemsOfBothAdapters)
 {
     const std::string systems = good("ei", "KDV_SASArraySystem");
-    for (const char* row : {"-ElementName=\"SAS HBA in Slot 3\"", "-ElementName=\"SAS HBA in Embedded Slot\"",
-                            "-OperationalStatus=2", "-EnabledDefault=2", "-EnabledState=5", "-RequestedState=12",
-                            "-CreationClassName=\"KDV_SASArraySystem\"", "-NameFormat=\"Other\"", "-Dedicated=3,15",
-                            "-IdentifyingDescriptions=\"Other Vendor Specific Name\""})
+    for (const char* row :
+         {"-ElementName=\"SAS HBA in Slot 3\"", "-ElementName=\"SAS HBA in Embedded Slot\"", "-OperationalStatus=2",
+          "-EnabledDefault=2", "-EnabledState=5", "-RequestedState=12", "-CreationClassName=\"KDV_SASArraySystem\"",
+          "-NameFormat=\"Other\"", "-Dedicated=3,15", "-IdentifyingDescriptions=\"Other Vendor Specific Name\""})
         EXPECT_TRUE(contains(systems, row)) << row << '\n' << systems;
     const std::string through = good("ei", "CIM_ComputerSystem");
     for (const std::string& line : linesOf(systems))
@@ -73,8 +71,7 @@ TEST_F(Wbemcli, EnumeratesEveryClassByNameAndByInstance)
     std::size_t served = 0;
     for (const std::string& line : linesOf(good("ecn", ""))) {
         const std::string name = line.substr(line.rfind(':') + 1);
-        if (name.compare(0, 4, "KDV_") != 0)
-            continue;
+        if (name.compare(0, 4, "KDV_") != 0) continue;
         const auto names = linesOf(good("ein", name));
         std::size_t instances = 0;
         for (const std::string& each : linesOf(good("ei", name)))
@@ -101,8 +98,7 @@ TEST_F(Wbemcli, FollowsAssociationsFromTheFirstInstanceOfEachClass)
     std::set<std::string> done;
     for (const std::string& line : linesOf(good("ein", "CIM_ManagedElement"))) {
         const std::string object = objectOf(line);
-        if (!done.insert(object.substr(0, object.find('.'))).second)
-            continue;
+        if (!done.insert(object.substr(0, object.find('.'))).second) continue;
         const std::size_t names = linesOf(good("ain", object)).size();
         EXPECT_GT(names, 0u) << object;
         std::size_t instances = 0;

@@ -2,11 +2,11 @@
 
 #include <array>
 #include <string>
+#include <sys/socket.h>
 #include <thread>
+#include <unistd.h>
 
 #include <gtest/gtest.h>
-#include <sys/socket.h>
-#include <unistd.h>
 
 using namespace KDV::Host;
 

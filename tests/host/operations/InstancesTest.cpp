@@ -40,10 +40,7 @@ protected:
     TestHost host;
 };
 
-std::string profileOf(const testing::TestParamInfo<Profile>& info)
-{
-    return std::string(profileName(info.param));
-}
+std::string profileOf(const testing::TestParamInfo<Profile>& info) { return std::string(profileName(info.param)); }
 
 } // namespace
 

@@ -59,8 +59,7 @@ TEST_F(Pull, ReadsAnEnumerationInPiecesThatMakeTheWhole)
         const std::size_t got = count(reply, "<VALUE.INSTANCEWITHPATH>");
         EXPECT_LE(got, most);
         objects += got;
-        if (isAtEnd(reply))
-            break;
+        if (isAtEnd(reply)) break;
         EXPECT_EQ(got, most);
         reply = pull("PullInstancesWithPath", contextOf(reply), 7);
     }

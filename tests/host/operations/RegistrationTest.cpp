@@ -1,4 +1,5 @@
 #include "hostserver/Registration.h"
+
 #include "hostserver/UntypedPath.h"
 
 #include <cstdlib>

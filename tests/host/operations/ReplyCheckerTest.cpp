@@ -10,7 +10,8 @@ namespace {
 std::string reply(const std::string& content)
 {
     return "<CIM CIMVERSION=\"2.0\" DTDVERSION=\"2.0\"><MESSAGE ID=\"1\" PROTOCOLVERSION=\"1.0\"><SIMPLERSP>"
-           "<IMETHODRESPONSE NAME=\"X\">" + content + "</IMETHODRESPONSE></SIMPLERSP></MESSAGE></CIM>";
+           "<IMETHODRESPONSE NAME=\"X\">" +
+           content + "</IMETHODRESPONSE></SIMPLERSP></MESSAGE></CIM>";
 }
 
 } // namespace

@@ -5,10 +5,9 @@
 
 #include <array>
 #include <string>
+#include <sys/types.h>
 #include <utility>
 #include <vector>
-
-#include <sys/types.h>
 
 namespace KDV::Host::Test {
 

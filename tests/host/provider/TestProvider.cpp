@@ -7,7 +7,6 @@
 #include <cstring>
 #include <mutex>
 #include <string>
-
 #include <strings.h>
 
 namespace {
@@ -63,8 +62,8 @@ void setText(CMPIInstance* instance, const char* name, const char* text)
     instance->ft->setProperty(instance, name, reinterpret_cast<const CMPIValue*>(text), CMPI_chars);
 }
 
-template <class Member> void set(CMPIInstance* instance, const char* name, Member CMPIValue::* member, Member number,
-                                 CMPIType type)
+template <class Member>
+void set(CMPIInstance* instance, const char* name, Member CMPIValue::*member, Member number, CMPIType type)
 {
     CMPIValue value{};
     value.*member = number;
@@ -186,7 +185,8 @@ CMPIStatus send(const CMPIResult* result, CMPIObjectPath* path)
 }
 
 // Calls `each` for what the class has, until a result is not taken.
-template <class Each> CMPIStatus forAll(const CMPIObjectPath* classPath, Each each)
+template <class Each>
+CMPIStatus forAll(const CMPIObjectPath* classPath, Each each)
 {
     const std::string nameSpace = nameSpaceOf(classPath);
     CMPIStatus status = ok;
@@ -195,8 +195,7 @@ template <class Each> CMPIStatus forAll(const CMPIObjectPath* classPath, Each ea
         // The subclass comes too, as from a provider that looks at what its classes are.
         for (int i = solid ? diskCount() - 1 : 0; i < diskCount() && status.rc == CMPI_RC_OK; ++i)
             status = each(nameSpace, "T_Disk", i);
-    if (isClass(classPath, "T_Box"))
-        status = each(nameSpace, "T_Box", 1);
+    if (isClass(classPath, "T_Box")) status = each(nameSpace, "T_Box", 1);
     if (isClass(classPath, "T_BoxDisk"))
         for (int i = 0; i < diskCount() && status.rc == CMPI_RC_OK; ++i)
             status = each(nameSpace, "T_BoxDisk", i);
@@ -219,19 +218,15 @@ template <class Each> CMPIStatus forAll(const CMPIObjectPath* classPath, Each ea
 
 CMPIInstance* makeInstance(const std::string& nameSpace, const char* className, int index)
 {
-    if (std::strcmp(className, "T_Disk") == 0)
-        return diskInstance(nameSpace, index);
-    if (std::strcmp(className, "T_BoxDisk") == 0)
-        return linkInstance(nameSpace, index);
+    if (std::strcmp(className, "T_Disk") == 0) return diskInstance(nameSpace, index);
+    if (std::strcmp(className, "T_BoxDisk") == 0) return linkInstance(nameSpace, index);
     return boxInstance(nameSpace, className, static_cast<CMPIUint32>(index));
 }
 
 CMPIObjectPath* makePath(const std::string& nameSpace, const char* className, int index)
 {
-    if (std::strcmp(className, "T_Disk") == 0)
-        return diskPath(nameSpace, index);
-    if (std::strcmp(className, "T_BoxDisk") == 0)
-        return linkPath(nameSpace, index);
+    if (std::strcmp(className, "T_Disk") == 0) return diskPath(nameSpace, index);
+    if (std::strcmp(className, "T_BoxDisk") == 0) return linkPath(nameSpace, index);
     return boxPath(nameSpace, className, static_cast<CMPIUint32>(index));
 }
 
@@ -260,8 +255,7 @@ int diskIndex(const CMPIObjectPath* path)
 {
     CMPIStatus status = ok;
     const CMPIData key = path->ft->getKey(path, "DeviceID", &status);
-    if (status.rc != CMPI_RC_OK || key.type != CMPI_string)
-        return -1;
+    if (status.rc != CMPI_RC_OK || key.type != CMPI_string) return -1;
     const char* text = key.value.string->ft->getCharPtr(key.value.string, nullptr);
     const int index = text[0] == 'D' ? std::atoi(text + 1) : -1;
     return index >= 0 && index < diskCount() && isClass(path, diskClass(index)) ? index : -1;
@@ -275,8 +269,7 @@ CMPIStatus getInstance(CMPIInstanceMI*, const CMPIContext*, const CMPIResult* re
         const std::lock_guard<std::mutex> lock(slowLock);
         return send(result, boxInstance(nameSpace, "T_Slow", 1));
     }
-    if (const int index = diskIndex(path); index >= 0)
-        return send(result, diskInstance(nameSpace, index));
+    if (const int index = diskIndex(path); index >= 0) return send(result, diskInstance(nameSpace, index));
     CMPIStatus status = ok;
     const CMPIData key = path->ft->getKey(path, "Number", &status);
     if (isClass(path, "T_Box") && status.rc == CMPI_RC_OK && key.value.uint64 == 1)
@@ -284,21 +277,8 @@ CMPIStatus getInstance(CMPIInstanceMI*, const CMPIContext*, const CMPIResult* re
     return failed(CMPI_RC_ERR_NOT_FOUND, "no such instance");
 }
 
-CMPIStatus no(CMPIInstanceMI*, const CMPIContext*, const CMPIResult*, const CMPIObjectPath*, const CMPIInstance*)
-{
-    return {CMPI_RC_ERR_NOT_SUPPORTED, nullptr};
-}
-CMPIStatus noModify(CMPIInstanceMI*, const CMPIContext*, const CMPIResult*, const CMPIObjectPath*,
-                    const CMPIInstance*, const char**)
-{
-    return {CMPI_RC_ERR_NOT_SUPPORTED, nullptr};
-}
-CMPIStatus noDelete(CMPIInstanceMI*, const CMPIContext*, const CMPIResult*, const CMPIObjectPath*)
-{
-    return {CMPI_RC_ERR_NOT_SUPPORTED, nullptr};
-}
-CMPIStatus noQuery(CMPIInstanceMI*, const CMPIContext*, const CMPIResult*, const CMPIObjectPath*, const char*,
-                   const char*)
+template <class... Any>
+CMPIStatus notSupported(Any...)
 {
     return {CMPI_RC_ERR_NOT_SUPPORTED, nullptr};
 }
@@ -310,8 +290,7 @@ CMPIStatus follow(const CMPIObjectPath* path, const char* role, const char* resu
     const bool fromBox = isClass(path, "T_Box");
     const char* near = fromBox ? "GroupComponent" : "PartComponent";
     const char* far = fromBox ? "PartComponent" : "GroupComponent";
-    if ((role && strcasecmp(role, near) != 0) || (resultRole && strcasecmp(resultRole, far) != 0))
-        return ok;
+    if ((role && strcasecmp(role, near) != 0) || (resultRole && strcasecmp(resultRole, far) != 0)) return ok;
     const std::string nameSpace = nameSpaceOf(path);
     CMPIStatus status = ok;
     if (fromBox)
@@ -330,9 +309,8 @@ CMPIStatus associators(CMPIAssociationMI*, const CMPIContext*, const CMPIResult*
     });
 }
 
-CMPIStatus associatorNames(CMPIAssociationMI*, const CMPIContext*, const CMPIResult* result,
-                           const CMPIObjectPath* path, const char*, const char*, const char* role,
-                           const char* resultRole)
+CMPIStatus associatorNames(CMPIAssociationMI*, const CMPIContext*, const CMPIResult* result, const CMPIObjectPath* path,
+                           const char*, const char*, const char* role, const char* resultRole)
 {
     return follow(path, role, resultRole, [&](const std::string& nameSpace, const char* className, int index) {
         return send(result, makePath(nameSpace, className, index));
@@ -348,8 +326,8 @@ CMPIStatus references(CMPIAssociationMI*, const CMPIContext*, const CMPIResult* 
     });
 }
 
-CMPIStatus referenceNames(CMPIAssociationMI*, const CMPIContext*, const CMPIResult* result,
-                          const CMPIObjectPath* path, const char*, const char* role)
+CMPIStatus referenceNames(CMPIAssociationMI*, const CMPIContext*, const CMPIResult* result, const CMPIObjectPath* path,
+                          const char*, const char* role)
 {
     const int disk = diskIndex(path);
     return follow(path, role, nullptr, [&](const std::string& nameSpace, const char*, int index) {
@@ -372,9 +350,11 @@ CMPIStatus invokeMethod(CMPIMethodMI*, const CMPIContext*, const CMPIResult* res
     return result->ft->returnData(result, &value, CMPI_uint32);
 }
 
-const CMPIInstanceMIFT instanceTable{CMPIVersion200, 1,  "test", cleanup,   enumerateInstanceNames, enumerateInstances,
-                                     getInstance,    no, noModify, noDelete, noQuery,               nullptr};
-const CMPIAssociationMIFT associationTable{CMPIVersion200, 1,          "test",         cleanup, associators,
+const CMPIInstanceMIFT instanceTable{
+    CMPIVersion200,     1,           "test",       cleanup,      enumerateInstanceNames,
+    enumerateInstances, getInstance, notSupported, notSupported, notSupported,
+    notSupported,       nullptr};
+const CMPIAssociationMIFT associationTable{CMPIVersion200,  1,          "test",         cleanup, associators,
                                            associatorNames, references, referenceNames, nullptr, nullptr};
 const CMPIMethodMIFT methodTable{CMPIVersion200, 1, "test", cleanup, invokeMethod};
 CMPIInstanceMI instanceMI{nullptr, &instanceTable};
@@ -385,9 +365,8 @@ CMPIMethodMI methodMI{nullptr, &methodTable};
 
 extern "C" {
 
-__attribute__((visibility("default"))) CMPIInstanceMI* _Generic_Create_InstanceMI(const CMPIBroker* given,
-                                                                                  const CMPIContext*, const char*,
-                                                                                  CMPIStatus*)
+__attribute__((visibility("default"))) CMPIInstanceMI*
+_Generic_Create_InstanceMI(const CMPIBroker* given, const CMPIContext*, const char*, CMPIStatus*)
 {
     broker = given;
     return &instanceMI;
@@ -400,9 +379,8 @@ _Generic_Create_AssociationMI(const CMPIBroker* given, const CMPIContext*, const
     return &associationMI;
 }
 
-__attribute__((visibility("default"))) CMPIMethodMI* _Generic_Create_MethodMI(const CMPIBroker* given,
-                                                                              const CMPIContext*, const char*,
-                                                                              CMPIStatus*)
+__attribute__((visibility("default"))) CMPIMethodMI*
+_Generic_Create_MethodMI(const CMPIBroker* given, const CMPIContext*, const char*, CMPIStatus*)
 {
     broker = given;
     return &methodMI;

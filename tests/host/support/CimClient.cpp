@@ -87,8 +87,7 @@ std::size_t count(const std::string& text, const std::string& part)
 std::string between(const std::string& text, const std::string& begin, const std::string& end)
 {
     const std::size_t from = text.find(begin);
-    if (from == text.npos)
-        return {};
+    if (from == text.npos) return {};
     const std::size_t to = text.find(end, from + begin.size());
     return to == text.npos ? std::string() : text.substr(from + begin.size(), to - from - begin.size());
 }
@@ -98,11 +97,9 @@ std::string askHost(std::uint16_t port, const std::string& body)
     RawClient client(port);
     client.send(post(body));
     const RawReply reply = client.read();
-    if (reply.status != 200 || reply.truncated)
-        throw std::runtime_error("not answered: " + reply.head);
+    if (reply.status != 200 || reply.truncated) throw std::runtime_error("not answered: " + reply.head);
     const std::string wrong = checkReply(reply.body);
-    if (!wrong.empty())
-        throw std::runtime_error(wrong + " in: " + reply.body.substr(0, 4000));
+    if (!wrong.empty()) throw std::runtime_error(wrong + " in: " + reply.body.substr(0, 4000));
     return reply.body;
 }
 

@@ -1,11 +1,10 @@
 #include "hosttest/RawClient.h"
 
 #include <algorithm>
-#include <array>
-#include <stdexcept>
-
 #include <arpa/inet.h>
+#include <array>
 #include <netinet/in.h>
+#include <stdexcept>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -23,8 +22,7 @@ std::string lower(std::string text)
 void addField(std::map<std::string, std::string>& fields, const std::string& line)
 {
     const std::size_t colon = line.find(':');
-    if (colon == line.npos)
-        throw std::runtime_error("no header field: " + line);
+    if (colon == line.npos) throw std::runtime_error("no header field: " + line);
     const std::size_t value = line.find_first_not_of(" \t", colon + 1);
     fields[lower(line.substr(0, colon))] = value == line.npos ? "" : line.substr(value);
 }
@@ -57,8 +55,7 @@ void RawClient::send(const std::string& bytes)
 {
     for (std::size_t at = 0; at < bytes.size();) {
         const ssize_t sent = ::send(_socket, bytes.data() + at, bytes.size() - at, MSG_NOSIGNAL);
-        if (sent <= 0)
-            throw std::runtime_error("cannot send");
+        if (sent <= 0) throw std::runtime_error("cannot send");
         at += static_cast<std::size_t>(sent);
     }
 }
@@ -69,10 +66,8 @@ bool RawClient::fill()
 {
     std::array<char, 65536> block;
     const ssize_t got = ::recv(_socket, block.data(), block.size(), 0);
-    if (got < 0 && (errno == EAGAIN || errno == EWOULDBLOCK))
-        throw std::runtime_error("the server hangs");
-    if (got <= 0)
-        return false;
+    if (got < 0 && (errno == EAGAIN || errno == EWOULDBLOCK)) throw std::runtime_error("the server hangs");
+    if (got <= 0) return false;
     _input.append(block.data(), static_cast<std::size_t>(got));
     return true;
 }
@@ -90,8 +85,7 @@ std::string RawClient::line()
 {
     std::size_t end;
     while ((end = _input.find("\r\n")) == _input.npos)
-        if (!fill())
-            throw std::runtime_error("the connection ended inside a line: \"" + _input + "\"");
+        if (!fill()) throw std::runtime_error("the connection ended inside a line: \"" + _input + "\"");
     std::string text = _input.substr(0, end);
     _input.erase(0, end + 2);
     return text;
@@ -105,8 +99,7 @@ void RawClient::readChunks(RawReply& reply)
             return;
         }
         const std::size_t size = std::stoul(line(), nullptr, 16);
-        if (size == 0)
-            break;
+        if (size == 0) break;
         while (_input.size() < size + 2)
             if (!fill()) {
                 reply.truncated = true;
@@ -114,8 +107,7 @@ void RawClient::readChunks(RawReply& reply)
                 return;
             }
         reply.body.append(_input, 0, size);
-        if (_input.compare(size, 2, "\r\n") != 0)
-            throw std::runtime_error("a chunk does not end with a line end");
+        if (_input.compare(size, 2, "\r\n") != 0) throw std::runtime_error("a chunk does not end with a line end");
         _input.erase(0, size + 2);
     }
     for (std::string text = line(); !text.empty(); text = line())
@@ -126,16 +118,14 @@ RawReply RawClient::read()
 {
     RawReply reply;
     const std::string start = line();
-    if (start.compare(0, 9, "HTTP/1.1 ") != 0)
-        throw std::runtime_error("no status line: " + start);
+    if (start.compare(0, 9, "HTTP/1.1 ") != 0) throw std::runtime_error("no status line: " + start);
     reply.status = static_cast<unsigned>(std::stoul(start.substr(9)));
     reply.head = start + "\n";
     for (std::string text = line(); !text.empty(); text = line()) {
         addField(reply.fields, text);
         reply.head += text + "\n";
     }
-    if (reply.status == 100)
-        return reply;
+    if (reply.status == 100) return reply;
     reply.chunked = lower(reply.field("transfer-encoding")) == "chunked";
     if (reply.chunked) {
         readChunks(reply);

@@ -4,11 +4,11 @@
 
 #include <map>
 #include <memory>
+#include <regex.h>
 #include <stdexcept>
 #include <vector>
 
 #include <expat.h>
-#include <regex.h>
 
 namespace KDV::Host::Test {
 
@@ -20,8 +20,7 @@ std::string expressionOf(const std::string& content)
     std::string expression = "^(";
     std::string name;
     const auto flush = [&] {
-        if (!name.empty())
-            expression += "(" + name + ";)";
+        if (!name.empty()) expression += "(" + name + ";)";
         name.clear();
     };
     for (char c : content) {
@@ -31,8 +30,7 @@ std::string expressionOf(const std::string& content)
             continue;
         }
         flush();
-        if (c != ',')
-            expression += c;
+        if (c != ',') expression += c;
     }
     flush();
     return expression + ")$";
@@ -68,8 +66,8 @@ const std::map<std::string, Rule>& rulesByName()
     static const std::map<std::string, Rule> rules = [] {
         std::map<std::string, Rule> all;
         for (const ElementRule& rule : dtdRules())
-            all[rule.name] = {&rule, std::make_shared<const Content>(
-                                         expressionOf(rule.content == "#PCDATA" ? "" : rule.content))};
+            all[rule.name] = {
+                &rule, std::make_shared<const Content>(expressionOf(rule.content == "#PCDATA" ? "" : rule.content))};
         return all;
     }();
     return rules;
@@ -90,8 +88,7 @@ public:
             of(self).content({text, static_cast<std::size_t>(length)});
         });
         const auto status = XML_Parse(_parser, document.data(), static_cast<int>(document.size()), 1);
-        if (_wrong.empty() && status != XML_STATUS_OK)
-            wrong(XML_ErrorString(XML_GetErrorCode(_parser)));
+        if (_wrong.empty() && status != XML_STATUS_OK) wrong(XML_ErrorString(XML_GetErrorCode(_parser)));
         return _wrong;
     }
 
@@ -104,14 +101,12 @@ private:
 
     void wrong(const std::string& what)
     {
-        if (_wrong.empty())
-            _wrong = "line " + std::to_string(XML_GetCurrentLineNumber(_parser)) + ": " + what;
+        if (_wrong.empty()) _wrong = "line " + std::to_string(XML_GetCurrentLineNumber(_parser)) + ": " + what;
     }
     void start(const std::string& name, const char** given)
     {
         const auto found = rulesByName().find(name);
-        if (found == rulesByName().end())
-            wrong("unknown element " + name);
+        if (found == rulesByName().end()) wrong("unknown element " + name);
         if (!_open.empty()) {
             // Every rule that allows three equal elements in a row allows any number of them.
             Open& parent = _open.back();
@@ -120,12 +115,10 @@ private:
             const bool repeats =
                 parent.children.size() >= three.size() &&
                 parent.children.compare(parent.children.size() - three.size(), three.size(), three) == 0;
-            if (!repeats)
-                parent.children += child;
+            if (!repeats) parent.children += child;
         }
         _open.push_back({found == rulesByName().end() ? nullptr : &found->second, {}});
-        if (_open.back().rule)
-            checkAttributes(*_open.back().rule->element, given);
+        if (_open.back().rule) checkAttributes(*_open.back().rule->element, given);
     }
     void checkAttributes(const ElementRule& rule, const char** given)
     {
@@ -135,23 +128,19 @@ private:
         for (const AttributeRule& each : rule.attributes) {
             const auto found = attributes.find(each.name);
             if (found == attributes.end()) {
-                if (each.required)
-                    wrong(rule.name + " lacks " + each.name);
+                if (each.required) wrong(rule.name + " lacks " + each.name);
                 continue;
             }
             if (!each.values.empty() && ("|" + each.values + "|").find("|" + found->second + "|") == std::string::npos)
                 wrong(rule.name + " has " + each.name + "=\"" + found->second + "\"");
             attributes.erase(found);
         }
-        if (!attributes.empty())
-            wrong(rule.name + " has no attribute " + attributes.begin()->first);
+        if (!attributes.empty()) wrong(rule.name + " has no attribute " + attributes.begin()->first);
     }
     void content(const std::string& text)
     {
-        if (_open.empty() || !_open.back().rule || _open.back().rule->element->content == "#PCDATA")
-            return;
-        if (text.find_first_not_of(" \t\r\n") != text.npos)
-            wrong("text inside " + _open.back().rule->element->name);
+        if (_open.empty() || !_open.back().rule || _open.back().rule->element->content == "#PCDATA") return;
+        if (text.find_first_not_of(" \t\r\n") != text.npos) wrong("text inside " + _open.back().rule->element->name);
     }
     void end()
     {

@@ -13,19 +13,20 @@ void writeTestSchema(const fs::path& folder, bool core)
     const fs::path source(KDV_SOURCE_DIR);
     fs::create_directories(folder / "core");
     fs::copy_file(source / "schema/core/qualifiers.mof", folder / "core/qualifiers.mof");
-    if (core)
-        fs::copy_file(source / "schema/core/cim-core.mof", folder / "core/cim-core.mof");
+    if (core) fs::copy_file(source / "schema/core/cim-core.mof", folder / "core/cim-core.mof");
     fs::copy_file(source / "tests/host/provider/test.mof", folder / "kdv-sas.mof");
-    const std::pair<const char*, const char*> served[] = {
-        {"T_Disk", "instance"},       {"T_SolidDisk", "instance"}, {"T_Box", "instance method"},
-        {"T_FailsEarly", "instance"}, {"T_FailsLate", "instance"}, {"T_Slow", "instance"},
-        {"T_BoxDisk", "instance association"}};
+    const std::pair<const char*, const char*> served[] = {{"T_Disk", "instance"},
+                                                          {"T_SolidDisk", "instance"},
+                                                          {"T_Box", "instance method"},
+                                                          {"T_FailsEarly", "instance"},
+                                                          {"T_FailsLate", "instance"},
+                                                          {"T_Slow", "instance"},
+                                                          {"T_BoxDisk", "instance association"}};
     std::ofstream registration(folder / "kdv-sas.reg");
     for (const auto& [className, type] : served)
         registration << '[' << className << "]\n   provider: TEST\n   location: KDVTestProvider\n   type: " << type
                      << "\n   namespace: root/test\n";
-    if (!registration.flush())
-        throw std::runtime_error("cannot write the registration");
+    if (!registration.flush()) throw std::runtime_error("cannot write the registration");
 }
 
 fs::path testProviderDirectory() { return fs::path(KDV_BUILD_DIR) / "tests/providers"; }
@@ -33,8 +34,7 @@ fs::path testProviderDirectory() { return fs::path(KDV_BUILD_DIR) / "tests/provi
 TestHost::TestHost(const TestSettings& settings)
 {
     std::string name = (fs::temp_directory_path() / "kdv-host-test-XXXXXX").string();
-    if (!::mkdtemp(name.data()))
-        throw std::runtime_error("cannot make a temporary folder");
+    if (!::mkdtemp(name.data())) throw std::runtime_error("cannot make a temporary folder");
     _folder = name;
     writeTestSchema(_folder, settings.core);
     ::setenv("KDV_TEST_DISKS", std::to_string(settings.disks).c_str(), 1);

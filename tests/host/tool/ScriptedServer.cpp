@@ -1,10 +1,9 @@
 #include "ScriptedServer.h"
 
-#include <stdexcept>
-
 #include <arpa/inet.h>
 #include <netinet/in.h>
 #include <poll.h>
+#include <stdexcept>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -89,8 +88,9 @@ void ScriptedServer::answerOne(int socket)
 
 std::string httpAnswer(const std::string& body, const std::string& status)
 {
-    return "HTTP/1.1 " + status + "\r\nContent-Type: application/xml\r\nConnection: close\r\nContent-Length: " +
-           std::to_string(body.size()) + "\r\n\r\n" + body;
+    return "HTTP/1.1 " + status +
+           "\r\nContent-Type: application/xml\r\nConnection: close\r\nContent-Length: " + std::to_string(body.size()) +
+           "\r\n\r\n" + body;
 }
 
 std::string cimAnswer(const std::string& method, const std::string& content)

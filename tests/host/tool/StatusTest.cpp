@@ -1,6 +1,5 @@
 // What the tool says of a machine: one screen, a line for monitoring, lists, a tree, one instance, JSON.
 #include "ToolFixture.h"
-
 #include "hosttest/CimClient.h"
 
 #include <algorithm>

@@ -13,8 +13,9 @@ using testing::Not;
 namespace {
 
 const std::vector<std::vector<std::string>> commands = {
-    {"status"}, {"status", "--check"}, {"--json", "status"}, {"tree"}, {"list", "CIM_DiskDrive"},
-    {"show", "CIM_X.Name=\"x\""}, {"refresh"}, {"watch", "--count", "1"}};
+    {"status"},  {"status", "--check"},     {"--json", "status"},
+    {"tree"},    {"list", "CIM_DiskDrive"}, {"show", "CIM_X.Name=\"x\""},
+    {"refresh"}, {"watch", "--count", "1"}};
 
 // Every command refuses such a server, says so and names the server or the reason.
 void expectAllRefuse(const ScriptedServer& server, const std::string& why)

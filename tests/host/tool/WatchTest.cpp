@@ -1,6 +1,5 @@
 // kdv-sas watch: alerts as they come, and nothing left at the server when it ends.
 #include "ToolFixture.h"
-
 #include "hosttest/CimClient.h"
 
 #include <algorithm>

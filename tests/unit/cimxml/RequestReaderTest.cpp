@@ -104,14 +104,18 @@ TEST(RequestReader, ReadsReferencesAmongTheKeysInEveryForm)
 {
     const std::string name = "<INSTANCENAME CLASSNAME=\"D\"><KEYBINDING NAME=\"N\"><KEYVALUE>1</KEYVALUE></KEYBINDING>"
                              "</INSTANCENAME>";
-    const CimRequest request = readCall(
-        "<IPARAMVALUE NAME=\"InstanceName\"><INSTANCENAME CLASSNAME=\"L\">"
-        "<KEYBINDING NAME=\"A\"><VALUE.REFERENCE><INSTANCEPATH><NAMESPACEPATH><HOST>h:1</HOST>" + vnr +
-        "</NAMESPACEPATH>" + name + "</INSTANCEPATH></VALUE.REFERENCE></KEYBINDING>"
-        "<KEYBINDING NAME=\"B\"><VALUE.REFERENCE><LOCALINSTANCEPATH>" + vnr + name +
-        "</LOCALINSTANCEPATH></VALUE.REFERENCE></KEYBINDING>"
-        "<KEYBINDING NAME=\"C\"><VALUE.REFERENCE>" + name + "</VALUE.REFERENCE></KEYBINDING>"
-        "</INSTANCENAME></IPARAMVALUE>");
+    const CimRequest request =
+        readCall("<IPARAMVALUE NAME=\"InstanceName\"><INSTANCENAME CLASSNAME=\"L\">"
+                 "<KEYBINDING NAME=\"A\"><VALUE.REFERENCE><INSTANCEPATH><NAMESPACEPATH><HOST>h:1</HOST>" +
+                 vnr + "</NAMESPACEPATH>" + name +
+                 "</INSTANCEPATH></VALUE.REFERENCE></KEYBINDING>"
+                 "<KEYBINDING NAME=\"B\"><VALUE.REFERENCE><LOCALINSTANCEPATH>" +
+                 vnr + name +
+                 "</LOCALINSTANCEPATH></VALUE.REFERENCE></KEYBINDING>"
+                 "<KEYBINDING NAME=\"C\"><VALUE.REFERENCE>" +
+                 name +
+                 "</VALUE.REFERENCE></KEYBINDING>"
+                 "</INSTANCENAME></IPARAMVALUE>");
     const auto& keys = request.find("InstanceName")->value.path()->keys;
     ASSERT_EQ(keys.size(), 3u);
     EXPECT_EQ(keys[0].reference->host, "h:1");

@@ -23,7 +23,8 @@ std::string attributeOf(const std::string& bytes)
     return std::string(out.view());
 }
 
-template <class Number> std::string numberOf(Number number)
+template <class Number>
+std::string numberOf(Number number)
 {
     ReplyBuffer out;
     appendNumber(out, number);
@@ -38,12 +39,23 @@ std::string expectedText(const std::string& bytes)
     std::string text;
     for (char c : bytes)
         switch (c) {
-        case '&': text += "&amp;"; break;
-        case '<': text += "&lt;"; break;
-        case '>': text += "&gt;"; break;
-        case '"': text += "&quot;"; break;
-        case '\r': text += "&#13;"; break;
-        default: text += c;
+        case '&':
+            text += "&amp;";
+            break;
+        case '<':
+            text += "&lt;";
+            break;
+        case '>':
+            text += "&gt;";
+            break;
+        case '"':
+            text += "&quot;";
+            break;
+        case '\r':
+            text += "&#13;";
+            break;
+        default:
+            text += c;
         }
     return text;
 }
@@ -95,7 +107,9 @@ TEST(XmlText, ReplacesEveryControlCharacterThatXmlForbids)
 TEST(XmlText, KeepsWellFormedUtf8)
 {
     for (const char* text : {"\xC2\x80", "\xDF\xBF", "\xE0\xA0\x80", "\xED\x9F\xBF", "\xEE\x80\x80", "\xEF\xBF\xBD",
-                             "\xF0\x90\x80\x80", "\xF4\x8F\xBF\xBF", "Stra\xC3\x9F""e \xE2\x82\xAC 5"})
+                             "\xF0\x90\x80\x80", "\xF4\x8F\xBF\xBF",
+                             "Stra\xC3\x9F"
+                             "e \xE2\x82\xAC 5"})
         EXPECT_EQ(textOf(text), text);
 }
 
