@@ -69,10 +69,11 @@ void PassSchedule::useContext(const CMPIContext* prepared)
     }
     // What may fail comes first: then the next operation tries again with a context of its own.
     if (!_keepsTime) {
+        const PassClock::Time now = _clock->now();
         const PassClock::Time delay = _clock->randomPart(_timing.stagger);
         startThread(timeThread);
         _keepsTime = true;
-        _timetable.start(_clock->now(), delay);
+        _timetable.start(now, delay);
     }
     _context = prepared;
     pthread_cond_broadcast(&_wake);
