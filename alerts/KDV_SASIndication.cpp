@@ -2,6 +2,7 @@
 
 #include "cmpicpp/CmpiMBService.h"
 #include "common/KDVUtil.h"
+#include "common/TextArray.h"
 #include "common/ZTAlertIndication.h"
 #include "instances/DriveText.h"
 #include "instances/HbaText.h"
@@ -109,14 +110,6 @@ int temperatureEvent(std::uint8_t status)
     default:
         return noEvent;
     }
-}
-
-CmpiArray textArray(const std::vector<std::string>& texts)
-{
-    CmpiArray array = makeCmpiArray(KDVUtil::getBroker(), static_cast<CMPICount>(texts.size()), CMPI_string);
-    for (std::size_t i = 0; i < texts.size(); ++i)
-        array.setElementAt(static_cast<CMPICount>(i), texts[i]);
-    return array;
 }
 
 void addVariables(CmpiInstance& instance, const AlertVariables& vars)

@@ -3,6 +3,7 @@
 #include "cmpicpp/CmpiArray.h"
 #include "cmpicpp/CmpiObjectPath.h"
 #include "common/KDVUtil.h"
+#include "common/TextArray.h"
 
 #include <atomic>
 #include <chrono>
@@ -33,14 +34,6 @@ CmpiInstance emptyInstance(const std::string& className, const std::string& name
 {
     const CMPIBroker* broker = KDVUtil::getBroker();
     return makeCmpiInstance(broker, makeCmpiObjectPath(broker, nameSpace, className));
-}
-
-CmpiArray textArray(const std::vector<std::string>& texts)
-{
-    CmpiArray array = makeCmpiArray(KDVUtil::getBroker(), static_cast<CMPICount>(texts.size()), CMPI_string);
-    for (std::size_t i = 0; i < texts.size(); ++i)
-        array.setElementAt(static_cast<CMPICount>(i), texts[i]);
-    return array;
 }
 
 } // namespace
