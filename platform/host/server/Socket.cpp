@@ -39,8 +39,8 @@ Socket::~Socket()
 
 IoResult Socket::wait(short events, Clock::time_point deadline) const noexcept
 {
-    // A client that asks again at once is answered without a sleep in between: on a quiet machine waking up takes longer
-    // than a request does. A connection that stays silent is looked at for this short time once.
+    // A client that asks again at once is answered without a sleep in between: on a quiet machine waking up takes
+    // longer than a request does. A connection that stays silent is looked at for this short time once.
     constexpr auto patience = std::chrono::microseconds(60);
     const Clock::time_point sleepAt = std::min(Clock::now() + patience, deadline);
     pollfd item{_descriptor, events, 0};
