@@ -11,7 +11,8 @@ constexpr std::uint32_t threshold = 2; // a status above it is a fault at first 
 
 StatusCheck::StatusCheck(const Logger& logger, const std::string& nameSpace, const std::vector<SasHba*>& hbas)
     : _logger(logger), _nameSpace(nameSpace), _hbas(hbas)
-{}
+{
+}
 
 void StatusCheck::_checkSasIndications(const CmpiContext& context) const
 {

@@ -15,8 +15,8 @@ namespace KDV {
 
 class CIM_Dependency : public CmpiManagedInstanceAssociation {
 public:
-    CIM_Dependency(const std::string& nameSpace, const std::string& className,
-                   const CmpiManagedInstance* antecedent, const CmpiManagedInstance* dependent);
+    CIM_Dependency(const std::string& nameSpace, const std::string& className, const CmpiManagedInstance* antecedent,
+                   const CmpiManagedInstance* dependent);
     ~CIM_Dependency() override;
 
     CmpiCpp::CmpiObjectPath getPath() const override;

@@ -2,13 +2,14 @@
 
 using namespace CmpiCpp;
 namespace KDV {
-namespace { constexpr char className[] = "KDV_SASArraySystemFirmware"; }
+namespace {
+constexpr char className[] = "KDV_SASArraySystemFirmware";
+}
 
 using Link = KDV_SASArraySystemFirmware;
 
-Link::KDV_SASArraySystemFirmware(
-    const Logger& logger, const std::string& nameSpace,
-    const CmpiManagedInstance* arraySystem, const CmpiManagedInstance* firmware)
+Link::KDV_SASArraySystemFirmware(const Logger& logger, const std::string& nameSpace,
+                                 const CmpiManagedInstance* arraySystem, const CmpiManagedInstance* firmware)
     : CmpiManagedInstanceAssociation(className), _nameSpace(nameSpace), _log(logger, className),
       _arraySystem(arraySystem), _firmware(firmware)
 {
@@ -17,11 +18,7 @@ Link::KDV_SASArraySystemFirmware(
 
 Link::~KDV_SASArraySystemFirmware() = default;
 
-TwoEnds Link::ends() const
-{
-    return {{"InstalledSoftware", _firmware},
-            {"System",            _arraySystem}};
-}
+TwoEnds Link::ends() const { return {{"InstalledSoftware", _firmware}, {"System", _arraySystem}}; }
 
 CmpiObjectPath Link::getPath() const
 {

@@ -2,13 +2,15 @@
 
 using namespace CmpiCpp;
 namespace KDV {
-namespace { constexpr char className[] = "KDV_SASArraySystemPortController"; }
+namespace {
+constexpr char className[] = "KDV_SASArraySystemPortController";
+}
 
 using Link = KDV_SASArraySystemPortController;
 
-Link::KDV_SASArraySystemPortController(
-    const Logger& logger, const std::string& nameSpace,
-    const CmpiManagedInstance* arraySystem, const CmpiManagedInstance* portController)
+Link::KDV_SASArraySystemPortController(const Logger& logger, const std::string& nameSpace,
+                                       const CmpiManagedInstance* arraySystem,
+                                       const CmpiManagedInstance* portController)
     : CmpiManagedInstanceAssociation(className), _nameSpace(nameSpace), _log(logger, className),
       _arraySystem(arraySystem), _portController(portController)
 {
@@ -17,11 +19,7 @@ Link::KDV_SASArraySystemPortController(
 
 Link::~KDV_SASArraySystemPortController() = default;
 
-TwoEnds Link::ends() const
-{
-    return {{"SameElement",   _arraySystem},
-            {"SystemElement", _portController}};
-}
+TwoEnds Link::ends() const { return {{"SameElement", _arraySystem}, {"SystemElement", _portController}}; }
 
 CmpiObjectPath Link::getPath() const
 {

@@ -2,13 +2,14 @@
 
 using namespace CmpiCpp;
 namespace KDV {
-namespace { constexpr char className[] = "KDV_SASComputerSystemArraySystem"; }
+namespace {
+constexpr char className[] = "KDV_SASComputerSystemArraySystem";
+}
 
 using Link = KDV_SASComputerSystemArraySystem;
 
-Link::KDV_SASComputerSystemArraySystem(
-    const Logger& logger, const std::string& nameSpace,
-    const CmpiObjectPath& computerSystem, const CmpiManagedInstance* arraySystem)
+Link::KDV_SASComputerSystemArraySystem(const Logger& logger, const std::string& nameSpace,
+                                       const CmpiObjectPath& computerSystem, const CmpiManagedInstance* arraySystem)
     : CmpiManagedInstanceAssociation(className), _nameSpace(nameSpace), _log(logger, className),
       _computerSystem(computerSystem), _arraySystem(arraySystem)
 {
@@ -17,11 +18,7 @@ Link::KDV_SASComputerSystemArraySystem(
 
 Link::~KDV_SASComputerSystemArraySystem() = default;
 
-TwoEnds Link::ends() const
-{
-    return {{"GroupComponent", nullptr, &_computerSystem},
-            {"PartComponent",  _arraySystem}};
-}
+TwoEnds Link::ends() const { return {{"GroupComponent", nullptr, &_computerSystem}, {"PartComponent", _arraySystem}}; }
 
 CmpiObjectPath Link::getPath() const
 {

@@ -2,13 +2,17 @@
 
 using namespace CmpiCpp;
 namespace KDV {
-namespace { constexpr char className[] = "KDV_SASDiskDriveDiskDriveFirmware"; }
+namespace {
+constexpr char className[] = "KDV_SASDiskDriveDiskDriveFirmware";
+}
 
-KDV_SASDiskDriveDiskDriveFirmware::KDV_SASDiskDriveDiskDriveFirmware(
-    const Logger& logger, const std::string& nameSpace,
-    const CmpiManagedInstance* firmware, const CmpiManagedInstance* diskDrive)
-    : CIM_Dependency(nameSpace, className, firmware, diskDrive), _log(logger, className),
-      _firmware(firmware), _diskDrive(diskDrive) {}
+KDV_SASDiskDriveDiskDriveFirmware::KDV_SASDiskDriveDiskDriveFirmware(const Logger& logger, const std::string& nameSpace,
+                                                                     const CmpiManagedInstance* firmware,
+                                                                     const CmpiManagedInstance* diskDrive)
+    : CIM_Dependency(nameSpace, className, firmware, diskDrive), _log(logger, className), _firmware(firmware),
+      _diskDrive(diskDrive)
+{
+}
 
 KDV_SASDiskDriveDiskDriveFirmware::~KDV_SASDiskDriveDiskDriveFirmware() = default;
 

@@ -2,26 +2,24 @@
 
 using namespace CmpiCpp;
 namespace KDV {
-namespace { constexpr char className[] = "KDV_SASDiskPhysicalPackageDiskDriveLocation"; }
+namespace {
+constexpr char className[] = "KDV_SASDiskPhysicalPackageDiskDriveLocation";
+}
 
 using Link = KDV_SASDiskPhysicalPackageDiskDriveLocation;
 
-Link::KDV_SASDiskPhysicalPackageDiskDriveLocation(
-    const Logger& logger, const std::string& nameSpace,
-    const CmpiManagedInstance* package, const CmpiManagedInstance* location)
-    : CmpiManagedInstanceAssociation(className), _nameSpace(nameSpace), _log(logger, className),
-      _package(package), _location(location)
+Link::KDV_SASDiskPhysicalPackageDiskDriveLocation(const Logger& logger, const std::string& nameSpace,
+                                                  const CmpiManagedInstance* package,
+                                                  const CmpiManagedInstance* location)
+    : CmpiManagedInstanceAssociation(className), _nameSpace(nameSpace), _log(logger, className), _package(package),
+      _location(location)
 {
     joins(ends().first, ends().second);
 }
 
 Link::~KDV_SASDiskPhysicalPackageDiskDriveLocation() = default;
 
-TwoEnds Link::ends() const
-{
-    return {{"PhysicalLocation", _location},
-            {"Element",          _package}};
-}
+TwoEnds Link::ends() const { return {{"PhysicalLocation", _location}, {"Element", _package}}; }
 
 CmpiObjectPath Link::getPath() const
 {

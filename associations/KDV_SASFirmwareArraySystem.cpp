@@ -2,13 +2,17 @@
 
 using namespace CmpiCpp;
 namespace KDV {
-namespace { constexpr char className[] = "KDV_SASFirmwareArraySystem"; }
+namespace {
+constexpr char className[] = "KDV_SASFirmwareArraySystem";
+}
 
-KDV_SASFirmwareArraySystem::KDV_SASFirmwareArraySystem(
-    const Logger& logger, const std::string& nameSpace,
-    const CmpiManagedInstance* firmware, const CmpiManagedInstance* arraySystem)
-    : CIM_Dependency(nameSpace, className, firmware, arraySystem), _log(logger, className),
-      _firmware(firmware), _arraySystem(arraySystem) {}
+KDV_SASFirmwareArraySystem::KDV_SASFirmwareArraySystem(const Logger& logger, const std::string& nameSpace,
+                                                       const CmpiManagedInstance* firmware,
+                                                       const CmpiManagedInstance* arraySystem)
+    : CIM_Dependency(nameSpace, className, firmware, arraySystem), _log(logger, className), _firmware(firmware),
+      _arraySystem(arraySystem)
+{
+}
 
 KDV_SASFirmwareArraySystem::~KDV_SASFirmwareArraySystem() = default;
 

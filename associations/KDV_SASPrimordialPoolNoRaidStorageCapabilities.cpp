@@ -2,13 +2,15 @@
 
 using namespace CmpiCpp;
 namespace KDV {
-namespace { constexpr char className[] = "KDV_SASPrimordialPoolNoRaidStorageCapabilities"; }
+namespace {
+constexpr char className[] = "KDV_SASPrimordialPoolNoRaidStorageCapabilities";
+}
 
 using Link = KDV_SASPrimordialPoolNoRaidStorageCapabilities;
 
-Link::KDV_SASPrimordialPoolNoRaidStorageCapabilities(
-    const Logger& logger, const std::string& nameSpace,
-    const CmpiManagedInstance* capabilities, const CmpiManagedInstance* pool)
+Link::KDV_SASPrimordialPoolNoRaidStorageCapabilities(const Logger& logger, const std::string& nameSpace,
+                                                     const CmpiManagedInstance* capabilities,
+                                                     const CmpiManagedInstance* pool)
     : CmpiManagedInstanceAssociation(className), _nameSpace(nameSpace), _log(logger, className),
       _capabilities(capabilities), _pool(pool)
 {
@@ -17,11 +19,7 @@ Link::KDV_SASPrimordialPoolNoRaidStorageCapabilities(
 
 Link::~KDV_SASPrimordialPoolNoRaidStorageCapabilities() = default;
 
-TwoEnds Link::ends() const
-{
-    return {{"Capabilities",   _capabilities},
-            {"ManagedElement", _pool}};
-}
+TwoEnds Link::ends() const { return {{"Capabilities", _capabilities}, {"ManagedElement", _pool}}; }
 
 CmpiObjectPath Link::getPath() const
 {

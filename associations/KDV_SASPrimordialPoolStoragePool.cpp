@@ -2,13 +2,17 @@
 
 using namespace CmpiCpp;
 namespace KDV {
-namespace { constexpr char className[] = "KDV_SASPrimordialPoolStoragePool"; }
+namespace {
+constexpr char className[] = "KDV_SASPrimordialPoolStoragePool";
+}
 
-KDV_SASPrimordialPoolStoragePool::KDV_SASPrimordialPoolStoragePool(
-    const Logger& logger, const std::string& nameSpace,
-    const CmpiManagedInstance* pool, const KDV_SASStoragePool* storagePool)
-    : CIM_Dependency(nameSpace, className, pool, storagePool), _log(logger, className),
-      _pool(pool), _storagePool(storagePool) {}
+KDV_SASPrimordialPoolStoragePool::KDV_SASPrimordialPoolStoragePool(const Logger& logger, const std::string& nameSpace,
+                                                                   const CmpiManagedInstance* pool,
+                                                                   const KDV_SASStoragePool* storagePool)
+    : CIM_Dependency(nameSpace, className, pool, storagePool), _log(logger, className), _pool(pool),
+      _storagePool(storagePool)
+{
+}
 
 KDV_SASPrimordialPoolStoragePool::~KDV_SASPrimordialPoolStoragePool() = default;
 

@@ -2,13 +2,17 @@
 
 using namespace CmpiCpp;
 namespace KDV {
-namespace { constexpr char className[] = "KDV_SASSCSIProtocolControllerStorageVolume"; }
+namespace {
+constexpr char className[] = "KDV_SASSCSIProtocolControllerStorageVolume";
+}
 
 KDV_SASSCSIProtocolControllerStorageVolume::KDV_SASSCSIProtocolControllerStorageVolume(
-    const Logger& logger, const std::string& nameSpace,
-    const CmpiManagedInstance* protocolController, const KDV_SASStorageVolume* volume)
+    const Logger& logger, const std::string& nameSpace, const CmpiManagedInstance* protocolController,
+    const KDV_SASStorageVolume* volume)
     : CIM_Dependency(nameSpace, className, protocolController, volume), _log(logger, className),
-      _protocolController(protocolController), _volume(volume) {}
+      _protocolController(protocolController), _volume(volume)
+{
+}
 
 KDV_SASSCSIProtocolControllerStorageVolume::~KDV_SASSCSIProtocolControllerStorageVolume() = default;
 

@@ -2,26 +2,24 @@
 
 using namespace CmpiCpp;
 namespace KDV {
-namespace { constexpr char className[] = "KDV_SASSCSIProtocolEndpointSCSIProtocolController"; }
+namespace {
+constexpr char className[] = "KDV_SASSCSIProtocolEndpointSCSIProtocolController";
+}
 
 using Link = KDV_SASSCSIProtocolEndpointSCSIProtocolController;
 
-Link::KDV_SASSCSIProtocolEndpointSCSIProtocolController(
-    const Logger& logger, const std::string& nameSpace,
-    const CmpiManagedInstance* endpoint, const CmpiManagedInstance* protocolController)
-    : CmpiManagedInstanceAssociation(className), _nameSpace(nameSpace), _log(logger, className),
-      _endpoint(endpoint), _protocolController(protocolController)
+Link::KDV_SASSCSIProtocolEndpointSCSIProtocolController(const Logger& logger, const std::string& nameSpace,
+                                                        const CmpiManagedInstance* endpoint,
+                                                        const CmpiManagedInstance* protocolController)
+    : CmpiManagedInstanceAssociation(className), _nameSpace(nameSpace), _log(logger, className), _endpoint(endpoint),
+      _protocolController(protocolController)
 {
     joins(ends().first, ends().second);
 }
 
 Link::~KDV_SASSCSIProtocolEndpointSCSIProtocolController() = default;
 
-TwoEnds Link::ends() const
-{
-    return {{"AvailableSAP",   _endpoint},
-            {"ManagedElement", _protocolController}};
-}
+TwoEnds Link::ends() const { return {{"AvailableSAP", _endpoint}, {"ManagedElement", _protocolController}}; }
 
 CmpiObjectPath Link::getPath() const
 {

@@ -2,31 +2,26 @@
 
 using namespace CmpiCpp;
 namespace KDV {
-namespace { constexpr char className[] = "KDV_SASSmartDrvCarrierAppElementFirmwareIdentity"; }
+namespace {
+constexpr char className[] = "KDV_SASSmartDrvCarrierAppElementFirmwareIdentity";
+}
 
 using Link = KDV_SASSmartDrvCarrierAppElementFirmwareIdentity;
 
-Link::KDV_SASSmartDrvCarrierAppElementFirmwareIdentity(
-    const Logger& logger, const std::string& nameSpace,
-    const CmpiManagedInstance* diskDrive, const CmpiManagedInstance* firmware)
-    : CmpiManagedInstanceAssociation(className), _nameSpace(nameSpace), _log(logger, className),
-      _firmware(firmware), _diskDrive(diskDrive)
+Link::KDV_SASSmartDrvCarrierAppElementFirmwareIdentity(const Logger& logger, const std::string& nameSpace,
+                                                       const CmpiManagedInstance* diskDrive,
+                                                       const CmpiManagedInstance* firmware)
+    : CmpiManagedInstanceAssociation(className), _nameSpace(nameSpace), _log(logger, className), _firmware(firmware),
+      _diskDrive(diskDrive)
 {
     joins(ends().first, ends().second);
 }
 
 Link::~KDV_SASSmartDrvCarrierAppElementFirmwareIdentity() = default;
 
-TwoEnds Link::ends() const
-{
-    return {{"Dependent",  _diskDrive},
-            {"Antecedent", _firmware}};
-}
+TwoEnds Link::ends() const { return {{"Dependent", _diskDrive}, {"Antecedent", _firmware}}; }
 
-CmpiObjectPath Link::getPath() const
-{
-    return ends().path(_nameSpace, className);
-}
+CmpiObjectPath Link::getPath() const { return ends().path(_nameSpace, className); }
 
 CmpiInstance Link::getInstance()
 {
@@ -37,9 +32,6 @@ CmpiInstance Link::getInstance()
     return row.instance();
 }
 
-CmpiObjectPath Link::getAssociatedPath(const CmpiObjectPath& given) const
-{
-    return ends().otherFromFirst(given);
-}
+CmpiObjectPath Link::getAssociatedPath(const CmpiObjectPath& given) const { return ends().otherFromFirst(given); }
 
 } // namespace KDV

@@ -2,26 +2,24 @@
 
 using namespace CmpiCpp;
 namespace KDV {
-namespace { constexpr char className[] = "KDV_SASStorageEnclosureEnclosureLocation"; }
+namespace {
+constexpr char className[] = "KDV_SASStorageEnclosureEnclosureLocation";
+}
 
 using Link = KDV_SASStorageEnclosureEnclosureLocation;
 
-Link::KDV_SASStorageEnclosureEnclosureLocation(
-    const Logger& logger, const std::string& nameSpace,
-    const CmpiManagedInstance* enclosure, const CmpiManagedInstance* location)
-    : CmpiManagedInstanceAssociation(className), _nameSpace(nameSpace), _log(logger, className),
-      _enclosure(enclosure), _location(location)
+Link::KDV_SASStorageEnclosureEnclosureLocation(const Logger& logger, const std::string& nameSpace,
+                                               const CmpiManagedInstance* enclosure,
+                                               const CmpiManagedInstance* location)
+    : CmpiManagedInstanceAssociation(className), _nameSpace(nameSpace), _log(logger, className), _enclosure(enclosure),
+      _location(location)
 {
     joins(ends().first, ends().second);
 }
 
 Link::~KDV_SASStorageEnclosureEnclosureLocation() = default;
 
-TwoEnds Link::ends() const
-{
-    return {{"PhysicalLocation", _location},
-            {"Element",          _enclosure}};
-}
+TwoEnds Link::ends() const { return {{"PhysicalLocation", _location}, {"Element", _enclosure}}; }
 
 CmpiObjectPath Link::getPath() const
 {

@@ -2,13 +2,17 @@
 
 using namespace CmpiCpp;
 namespace KDV {
-namespace { constexpr char className[] = "KDV_SASStorageEnclosureProcessorEnclosureFirmware"; }
+namespace {
+constexpr char className[] = "KDV_SASStorageEnclosureProcessorEnclosureFirmware";
+}
 
 KDV_SASStorageEnclosureProcessorEnclosureFirmware::KDV_SASStorageEnclosureProcessorEnclosureFirmware(
-    const Logger& logger, const std::string& nameSpace,
-    const CmpiManagedInstance* firmware, const CmpiManagedInstance* enclosureProcessor)
-    : CIM_Dependency(nameSpace, className, firmware, enclosureProcessor), _log(logger, className),
-      _firmware(firmware), _enclosureProcessor(enclosureProcessor) {}
+    const Logger& logger, const std::string& nameSpace, const CmpiManagedInstance* firmware,
+    const CmpiManagedInstance* enclosureProcessor)
+    : CIM_Dependency(nameSpace, className, firmware, enclosureProcessor), _log(logger, className), _firmware(firmware),
+      _enclosureProcessor(enclosureProcessor)
+{
+}
 
 KDV_SASStorageEnclosureProcessorEnclosureFirmware::~KDV_SASStorageEnclosureProcessorEnclosureFirmware() = default;
 

@@ -2,13 +2,14 @@
 
 using namespace CmpiCpp;
 namespace KDV {
-namespace { constexpr char className[] = "KDV_SASStorageGroupHostedCollection"; }
+namespace {
+constexpr char className[] = "KDV_SASStorageGroupHostedCollection";
+}
 
 using Link = KDV_SASStorageGroupHostedCollection;
 
-Link::KDV_SASStorageGroupHostedCollection(
-    const Logger& logger, const std::string& nameSpace,
-    const CmpiObjectPath& computerSystem, const CmpiManagedInstance* collection)
+Link::KDV_SASStorageGroupHostedCollection(const Logger& logger, const std::string& nameSpace,
+                                          const CmpiObjectPath& computerSystem, const CmpiManagedInstance* collection)
     : CmpiManagedInstanceAssociation(className), _nameSpace(nameSpace), _log(logger, className),
       _computerSystem(computerSystem), _collection(collection)
 {
@@ -17,11 +18,7 @@ Link::KDV_SASStorageGroupHostedCollection(
 
 Link::~KDV_SASStorageGroupHostedCollection() = default;
 
-TwoEnds Link::ends() const
-{
-    return {{"Antecedent", nullptr, &_computerSystem},
-            {"Dependent",  _collection}};
-}
+TwoEnds Link::ends() const { return {{"Antecedent", nullptr, &_computerSystem}, {"Dependent", _collection}}; }
 
 CmpiObjectPath Link::getPath() const
 {

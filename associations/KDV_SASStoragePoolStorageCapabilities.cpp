@@ -2,13 +2,14 @@
 
 using namespace CmpiCpp;
 namespace KDV {
-namespace { constexpr char className[] = "KDV_SASStoragePoolStorageCapabilities"; }
+namespace {
+constexpr char className[] = "KDV_SASStoragePoolStorageCapabilities";
+}
 
 using Link = KDV_SASStoragePoolStorageCapabilities;
 
-Link::KDV_SASStoragePoolStorageCapabilities(
-    const Logger& logger, const std::string& nameSpace,
-    const CmpiManagedInstance* capabilities, const CmpiManagedInstance* pool)
+Link::KDV_SASStoragePoolStorageCapabilities(const Logger& logger, const std::string& nameSpace,
+                                            const CmpiManagedInstance* capabilities, const CmpiManagedInstance* pool)
     : CmpiManagedInstanceAssociation(className), _nameSpace(nameSpace), _log(logger, className),
       _capabilities(capabilities), _pool(pool)
 {
@@ -17,11 +18,7 @@ Link::KDV_SASStoragePoolStorageCapabilities(
 
 Link::~KDV_SASStoragePoolStorageCapabilities() = default;
 
-TwoEnds Link::ends() const
-{
-    return {{"Capabilities",   _capabilities},
-            {"ManagedElement", _pool}};
-}
+TwoEnds Link::ends() const { return {{"Capabilities", _capabilities}, {"ManagedElement", _pool}}; }
 
 CmpiObjectPath Link::getPath() const
 {

@@ -2,13 +2,16 @@
 
 using namespace CmpiCpp;
 namespace KDV {
-namespace { constexpr char className[] = "KDV_SASStoragePoolStorageVolume"; }
+namespace {
+constexpr char className[] = "KDV_SASStoragePoolStorageVolume";
+}
 
-KDV_SASStoragePoolStorageVolume::KDV_SASStoragePoolStorageVolume(
-    const Logger& logger, const std::string& nameSpace,
-    const CmpiManagedInstance* pool, const KDV_SASStorageVolume* volume)
-    : CIM_Dependency(nameSpace, className, pool, volume), _log(logger, className),
-      _pool(pool), _volume(volume) {}
+KDV_SASStoragePoolStorageVolume::KDV_SASStoragePoolStorageVolume(const Logger& logger, const std::string& nameSpace,
+                                                                 const CmpiManagedInstance* pool,
+                                                                 const KDV_SASStorageVolume* volume)
+    : CIM_Dependency(nameSpace, className, pool, volume), _log(logger, className), _pool(pool), _volume(volume)
+{
+}
 
 KDV_SASStoragePoolStorageVolume::~KDV_SASStoragePoolStorageVolume() = default;
 

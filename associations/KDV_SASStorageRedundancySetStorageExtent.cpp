@@ -2,13 +2,15 @@
 
 using namespace CmpiCpp;
 namespace KDV {
-namespace { constexpr char className[] = "KDV_SASStorageRedundancySetStorageExtent"; }
+namespace {
+constexpr char className[] = "KDV_SASStorageRedundancySetStorageExtent";
+}
 
 using Link = KDV_SASStorageRedundancySetStorageExtent;
 
-Link::KDV_SASStorageRedundancySetStorageExtent(
-    const Logger& logger, const std::string& nameSpace,
-    const CmpiManagedInstance* redundancySet, const CmpiManagedInstance* extent)
+Link::KDV_SASStorageRedundancySetStorageExtent(const Logger& logger, const std::string& nameSpace,
+                                               const CmpiManagedInstance* redundancySet,
+                                               const CmpiManagedInstance* extent)
     : CmpiManagedInstanceAssociation(className), _nameSpace(nameSpace), _log(logger, className),
       _redundancySet(redundancySet), _extent(extent)
 {
@@ -17,11 +19,7 @@ Link::KDV_SASStorageRedundancySetStorageExtent(
 
 Link::~KDV_SASStorageRedundancySetStorageExtent() = default;
 
-TwoEnds Link::ends() const
-{
-    return {{"Collection", _redundancySet},
-            {"Member",     _extent}};
-}
+TwoEnds Link::ends() const { return {{"Collection", _redundancySet}, {"Member", _extent}}; }
 
 CmpiObjectPath Link::getPath() const
 {

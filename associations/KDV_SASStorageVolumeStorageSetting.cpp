@@ -2,26 +2,23 @@
 
 using namespace CmpiCpp;
 namespace KDV {
-namespace { constexpr char className[] = "KDV_SASStorageVolumeStorageSetting"; }
+namespace {
+constexpr char className[] = "KDV_SASStorageVolumeStorageSetting";
+}
 
 using Link = KDV_SASStorageVolumeStorageSetting;
 
-Link::KDV_SASStorageVolumeStorageSetting(
-    const Logger& logger, const std::string& nameSpace,
-    const CmpiManagedInstance* volume, const CmpiManagedInstance* setting)
-    : CmpiManagedInstanceAssociation(className), _nameSpace(nameSpace), _log(logger, className),
-      _volume(volume), _setting(setting)
+Link::KDV_SASStorageVolumeStorageSetting(const Logger& logger, const std::string& nameSpace,
+                                         const CmpiManagedInstance* volume, const CmpiManagedInstance* setting)
+    : CmpiManagedInstanceAssociation(className), _nameSpace(nameSpace), _log(logger, className), _volume(volume),
+      _setting(setting)
 {
     joins(ends().first, ends().second);
 }
 
 Link::~KDV_SASStorageVolumeStorageSetting() = default;
 
-TwoEnds Link::ends() const
-{
-    return {{"ManagedElement", _volume},
-            {"SettingData",    _setting}};
-}
+TwoEnds Link::ends() const { return {{"ManagedElement", _volume}, {"SettingData", _setting}}; }
 
 CmpiObjectPath Link::getPath() const
 {

@@ -9,19 +9,14 @@ namespace {
 
 using End = CmpiManagedInstanceAssociation::End;
 
-CmpiObjectPath pathOf(const End& end)
-{
-    return end.instance ? end.instance->getPath() : *end.path;
-}
+CmpiObjectPath pathOf(const End& end) { return end.instance ? end.instance->getPath() : *end.path; }
 
 CmpiObjectPath otherOf(const CmpiObjectPath& given, const End& asked, const End& remaining)
 {
     CmpiObjectPath askedPath = pathOf(asked);
     CmpiObjectPath remainingPath = pathOf(remaining);
-    if (given == askedPath)
-        return remainingPath;
-    if (given == remainingPath)
-        return askedPath;
+    if (given == askedPath) return remainingPath;
+    if (given == remainingPath) return askedPath;
     return makeCmpiObjectPath(KDVUtil::getBroker());
 }
 
@@ -43,14 +38,8 @@ PropertyRows TwoEnds::rows(const CmpiManagedInstance& association) const
     return row;
 }
 
-CmpiObjectPath TwoEnds::other(const CmpiObjectPath& given) const
-{
-    return otherOf(given, second, first);
-}
+CmpiObjectPath TwoEnds::other(const CmpiObjectPath& given) const { return otherOf(given, second, first); }
 
-CmpiObjectPath TwoEnds::otherFromFirst(const CmpiObjectPath& given) const
-{
-    return otherOf(given, first, second);
-}
+CmpiObjectPath TwoEnds::otherFromFirst(const CmpiObjectPath& given) const { return otherOf(given, first, second); }
 
 } // namespace KDV

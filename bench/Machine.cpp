@@ -20,7 +20,8 @@ public:
     LearningSink(std::vector<std::vector<std::pair<std::string, std::string>>>& keys,
                  std::vector<ReadyProperty>& properties)
         : _keys(keys), _properties(properties)
-    {}
+    {
+    }
 
     bool instance(const InstanceObject& instance) override
     {

@@ -23,7 +23,8 @@ public:
 
     template <class Pointer, class = std::enable_if_t<std::is_same_v<Pointer, const char*>>>
     FieldText(const Pointer& text) noexcept : _text(text)
-    {}
+    {
+    }
 
     FieldText(const std::string& text) noexcept : _text(text.c_str()) {}
     FieldText(const FieldText&) = delete;

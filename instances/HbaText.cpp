@@ -5,20 +5,19 @@
 namespace KDV {
 namespace {
 
-constexpr CodeMap<const char*, 12> models{
-    {{2, "SAS HBA"},
-     {3, "ZT SAS HBA 3"},
-     {4, "ZT SAS HBA 4"},
-     {5, "ZT SAS HBA 5"},
-     {6, "ZT SAS HBA 6"},
-     {7, "ZT SAS HBA 7"},
-     {8, "ZT SAS HBA 8"},
-     {9, "ZT SAS HBA 9"},
-     {10, "ZT SAS HBA 10"},
-     {11, "ZT SAS HBA 11"},
-     {12, "ZT SAS HBA 12"},
-     {13, "ZT SAS HBA 13"}},
-    " "}; // a blank on purpose: element names of unknown models start with two
+constexpr CodeMap<const char*, 12> models{{{2, "SAS HBA"},
+                                           {3, "ZT SAS HBA 3"},
+                                           {4, "ZT SAS HBA 4"},
+                                           {5, "ZT SAS HBA 5"},
+                                           {6, "ZT SAS HBA 6"},
+                                           {7, "ZT SAS HBA 7"},
+                                           {8, "ZT SAS HBA 8"},
+                                           {9, "ZT SAS HBA 9"},
+                                           {10, "ZT SAS HBA 10"},
+                                           {11, "ZT SAS HBA 11"},
+                                           {12, "ZT SAS HBA 12"},
+                                           {13, "ZT SAS HBA 13"}},
+                                          " "}; // a blank on purpose: element names of unknown models start with two
 
 constexpr std::uint8_t embeddedSlot = 0;
 constexpr std::uint8_t unknownSlot = 255;

@@ -27,7 +27,7 @@ inline constexpr CodeMap<std::uint16_t, 3> arraySystemStatus{
     OperationalStatus::Unknown};
 
 // A controller is working or failed, never in between: its 3 is an error, and there is no Degraded row.
-inline constexpr CodeMap<std::uint16_t, 2> controllerStatus{
-    {{2, OperationalStatus::OK}, {3, OperationalStatus::Error}}, OperationalStatus::Unknown};
+inline constexpr CodeMap<std::uint16_t, 2> controllerStatus{{{2, OperationalStatus::OK}, {3, OperationalStatus::Error}},
+                                                            OperationalStatus::Unknown};
 
 } // namespace KDV

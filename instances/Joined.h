@@ -18,11 +18,13 @@ public:
     // A literal or a field of a record.
     template <std::size_t capacity>
     TextPiece(const char (&field)[capacity]) noexcept : _text(textOf(field))
-    {}
+    {
+    }
 
     template <class Pointer, class = std::enable_if_t<std::is_same_v<Pointer, const char*>>>
     TextPiece(const Pointer& text) : _text(text)
-    {}
+    {
+    }
 
     TextPiece(std::string_view text) noexcept : _text(text) {}
     TextPiece(const std::string& text) noexcept : _text(text) {}

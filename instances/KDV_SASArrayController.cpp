@@ -7,7 +7,9 @@
 
 using namespace CmpiCpp;
 namespace KDV {
-namespace { constexpr char className[] = "KDV_SASArrayController"; }
+namespace {
+constexpr char className[] = "KDV_SASArrayController";
+}
 
 KDV_SASArrayController::KDV_SASArrayController(const Logger& logger, const std::string& nameSpace,
                                                const SasHbaRecord* hba)

@@ -7,7 +7,9 @@
 
 using namespace CmpiCpp;
 namespace KDV {
-namespace { constexpr char className[] = "KDV_SASArraySystem"; }
+namespace {
+constexpr char className[] = "KDV_SASArraySystem";
+}
 
 KDV_SASArraySystem::KDV_SASArraySystem(const Logger& logger, const std::string& nameSpace, const SasHbaRecord* hba)
     : CmpiManagedInstance(className), _nameSpace(nameSpace), _log(logger, className), _hba(hba),

@@ -12,15 +12,9 @@ namespace {
 
 constexpr char className[] = "KDV_SASArraySystemLocation";
 
-std::string slotNumberText(const SasHbaRecord& hba)
-{
-    return joined({hba.slotNumber});
-}
+std::string slotNumberText(const SasHbaRecord& hba) { return joined({hba.slotNumber}); }
 
-std::string locationName(const SasHbaRecord& hba)
-{
-    return joined({"PCISLOT-", hba.slotNumber});
-}
+std::string locationName(const SasHbaRecord& hba) { return joined({"PCISLOT-", hba.slotNumber}); }
 
 } // namespace
 

@@ -49,8 +49,7 @@ CmpiArray statusArray(std::uint8_t code)
     const Status status = driveStatus[code];
     CmpiArray array = emptyUint16Array(1);
     array.setElementAt(0, status.first);
-    if (status.second != 0)
-        array.setElementAt(1, status.second);
+    if (status.second != 0) array.setElementAt(1, status.second);
     return array;
 }
 
@@ -99,8 +98,7 @@ CmpiInstance KDV_SASDiskDrive::getInstance()
     row.uint16("DriveInterface", driveInterface[_drive->interface]);
     row.string("Description", interfaceText[_drive->interface]);
     row.uint16("DrivePlacement", drivePlacement[_drive->placement]);
-    if (const auto speed = rotationalSpeed[_drive->rotationalSpeed])
-        row.uint32("DriveRotationalSpeed", *speed);
+    if (const auto speed = rotationalSpeed[_drive->rotationalSpeed]) row.uint32("DriveRotationalSpeed", *speed);
     row.uint32("NegotiatedDataWidth", 0);
     row.uint64("NegotiatedSpeed", 0);
     return row.instance();

@@ -8,7 +8,9 @@
 
 using namespace CmpiCpp;
 namespace KDV {
-namespace { constexpr char className[] = "KDV_SASDiskDriveFirmware"; }
+namespace {
+constexpr char className[] = "KDV_SASDiskDriveFirmware";
+}
 
 KDV_SASDiskDriveFirmware::KDV_SASDiskDriveFirmware(const Logger& logger, const std::string& nameSpace,
                                                    const SasPhysicalDriveRecord* drive)
@@ -46,10 +48,8 @@ CmpiInstance KDV_SASDiskDriveFirmware::getInstance()
     row.stringArray("ClassificationDescriptions", {"Disk Drive Firmware"});
     row.uint16Array("Classifications", {Classification::Firmware});
     row.string("InstanceID", _drive->serialNumber);
-    if (!_vendorText.empty())
-        row.string("Manufacturer", _vendorText);
-    if (_drive->firmwareRevision[0] != '\0')
-        row.string("VersionString", _drive->firmwareRevision);
+    if (!_vendorText.empty()) row.string("Manufacturer", _vendorText);
+    if (_drive->firmwareRevision[0] != '\0') row.string("VersionString", _drive->firmwareRevision);
     row.boolean("IsEntity", false);
     return row.instance();
 }

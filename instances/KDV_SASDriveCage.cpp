@@ -57,8 +57,7 @@ CmpiInstance KDV_SASDriveCage::getInstance()
     row.string("SerialNumber", _box->serialNumber);
     row.string("Version", "N/A");
     row.uint16("RemovalConditions", RemovalConditions::NotApplicable);
-    if (const auto speed = backplaneSpeed[_box->backplaneSpeed])
-        row.uint16("BackplaneSpeed", *speed);
+    if (const auto speed = backplaneSpeed[_box->backplaneSpeed]) row.uint16("BackplaneSpeed", *speed);
     row.uint32("DriveBays", _box->driveBays);
     row.uint16("DuplexLocation", duplexLocation[_box->duplexCode]);
     return row.instance();

@@ -8,7 +8,9 @@
 
 using namespace CmpiCpp;
 namespace KDV {
-namespace { constexpr char className[] = "KDV_SASEnclosureFirmware"; }
+namespace {
+constexpr char className[] = "KDV_SASEnclosureFirmware";
+}
 
 KDV_SASEnclosureFirmware::KDV_SASEnclosureFirmware(const Logger& logger, const std::string& nameSpace,
                                                    const SasStorageBoxRecord* box)
@@ -45,14 +47,11 @@ CmpiInstance KDV_SASEnclosureFirmware::getInstance()
     row.uint16Array("Classifications", {Classification::Firmware});
     row.string("InstanceID", _box->serialNumber);
     row.string("Manufacturer", _box->manufacturer); // also when empty
-    if (!version.empty())
-        row.string("VersionString", _box->firmwareVersion);
+    if (!version.empty()) row.string("VersionString", _box->firmwareVersion);
     if (!version.empty() && KDVUtil::validateVersion(version)) {
         std::uint16_t number = 0;
-        if (KDVUtil::stringVersionToMajor(version, number))
-            row.uint16("MajorVersion", number);
-        if (KDVUtil::stringVersionToMinor(version, number))
-            row.uint16("MinorVersion", number);
+        if (KDVUtil::stringVersionToMajor(version, number)) row.uint16("MajorVersion", number);
+        if (KDVUtil::stringVersionToMinor(version, number)) row.uint16("MinorVersion", number);
     }
     return row.instance();
 }

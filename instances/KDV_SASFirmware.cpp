@@ -12,10 +12,7 @@ namespace {
 
 constexpr char className[] = "KDV_SASFirmware";
 
-std::string instanceId(const SasHbaRecord& hba)
-{
-    return joined({"VNR:", className, "-", hba.name});
-}
+std::string instanceId(const SasHbaRecord& hba) { return joined({"VNR:", className, "-", hba.name}); }
 
 } // namespace
 

@@ -7,7 +7,9 @@
 
 using namespace CmpiCpp;
 namespace KDV {
-namespace { constexpr char className[] = "KDV_SASPhysicalPackage"; }
+namespace {
+constexpr char className[] = "KDV_SASPhysicalPackage";
+}
 
 KDV_SASPhysicalPackage::KDV_SASPhysicalPackage(const Logger& logger, const std::string& nameSpace,
                                                const SasHbaRecord* hba)

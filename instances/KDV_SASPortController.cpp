@@ -7,7 +7,9 @@
 
 using namespace CmpiCpp;
 namespace KDV {
-namespace { constexpr char className[] = "KDV_SASPortController"; }
+namespace {
+constexpr char className[] = "KDV_SASPortController";
+}
 
 KDV_SASPortController::KDV_SASPortController(const Logger& logger, const std::string& nameSpace,
                                              const SasHbaRecord* hba)

@@ -12,18 +12,14 @@ namespace {
 
 constexpr char className[] = "KDV_SASPrimordialPool";
 
-std::string instanceId(std::uint32_t hbaNumber)
-{
-    return joined({className, "-", hbaNumber});
-}
+std::string instanceId(std::uint32_t hbaNumber) { return joined({className, "-", hbaNumber}); }
 
 // Summed in 32 bits on purpose: the sum of large drives wraps, unlike that of the storage pool.
 std::uint32_t managedSpace(const SasHbaRecord& hba)
 {
     std::uint32_t total = 0;
     for (const SasPhysicalDriveRecord* drive = hba.physicalDrives.get(); drive; drive = drive->next.get())
-        if (drive->usage == DriveUsage::Member || drive->usage == DriveUsage::Spare)
-            total += drive->size;
+        if (drive->usage == DriveUsage::Member || drive->usage == DriveUsage::Spare) total += drive->size;
     return total;
 }
 

@@ -11,10 +11,7 @@ namespace {
 
 constexpr char className[] = "KDV_SASProduct";
 
-std::string identifyingNumber(std::uint32_t hbaNumber)
-{
-    return joined({className, "-", hbaNumber});
-}
+std::string identifyingNumber(std::uint32_t hbaNumber) { return joined({className, "-", hbaNumber}); }
 
 } // namespace
 

@@ -7,7 +7,9 @@
 
 using namespace CmpiCpp;
 namespace KDV {
-namespace { constexpr char className[] = "KDV_SASSCSIProtocolController"; }
+namespace {
+constexpr char className[] = "KDV_SASSCSIProtocolController";
+}
 
 KDV_SASSCSIProtocolController::KDV_SASSCSIProtocolController(const Logger& logger, const std::string& nameSpace,
                                                              const SasHbaRecord* hba)

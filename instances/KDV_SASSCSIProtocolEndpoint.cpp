@@ -7,7 +7,9 @@
 
 using namespace CmpiCpp;
 namespace KDV {
-namespace { constexpr char className[] = "KDV_SASSCSIProtocolEndpoint"; }
+namespace {
+constexpr char className[] = "KDV_SASSCSIProtocolEndpoint";
+}
 
 KDV_SASSCSIProtocolEndpoint::KDV_SASSCSIProtocolEndpoint(const Logger& logger, const std::string& nameSpace,
                                                          const SasHbaRecord* hba)

@@ -48,8 +48,7 @@ CmpiInstance KDV_SASSmartDriveCarrierAppFirmware::getInstance()
     row.string("Name", displayText);
     row.string("Description", displayText);
     row.boolean("IsEntity", true);
-    if (!product.vendor.empty())
-        row.string("Manufacturer", std::string(product.vendor));
+    if (!product.vendor.empty()) row.string("Manufacturer", std::string(product.vendor));
     row.array("Classifications", emptyUint16Array(1)); // its element stays null on purpose: no class fits
     row.stringArray("ClassificationDescriptions", {displayText});
     row.uint16Array("OperationalStatus", {OperationalStatus::OK});

@@ -14,8 +14,8 @@ namespace KDV {
 
 class KDV_SASSmartDriveCarrierBootldrFirmware final : public CmpiManagedInstance {
 public:
-    KDV_SASSmartDriveCarrierBootldrFirmware(const Logger& logger, const std::string& nameSpace,
-                                            const SasHbaRecord* hba, const SasPhysicalDriveRecord* drive);
+    KDV_SASSmartDriveCarrierBootldrFirmware(const Logger& logger, const std::string& nameSpace, const SasHbaRecord* hba,
+                                            const SasPhysicalDriveRecord* drive);
     ~KDV_SASSmartDriveCarrierBootldrFirmware() override;
 
     CmpiCpp::CmpiObjectPath getPath() const override;

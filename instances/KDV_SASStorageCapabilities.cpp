@@ -28,10 +28,14 @@ constexpr Redundancy noRaid{0, 0, false, 0};
 std::string instanceId(std::uint32_t poolKind, std::uint32_t hbaNumber)
 {
     switch (poolKind) {
-    case primordialPool: return joined({className, "-PrimordialPool-", hbaNumber});
-    case primordialPoolNoRaid: return joined({className, "-PrimordialPoolNoRaid-", hbaNumber});
-    case storagePool: return joined({className, "-StoragePool-", hbaNumber});
-    default: return {};
+    case primordialPool:
+        return joined({className, "-PrimordialPool-", hbaNumber});
+    case primordialPoolNoRaid:
+        return joined({className, "-PrimordialPoolNoRaid-", hbaNumber});
+    case storagePool:
+        return joined({className, "-StoragePool-", hbaNumber});
+    default:
+        return {};
     }
 }
 
@@ -39,12 +43,10 @@ std::string instanceId(std::uint32_t poolKind, std::uint32_t hbaNumber)
 // read the capabilities of an empty pool so.
 const Redundancy& redundancyOf(std::uint32_t poolKind, const SasHbaRecord& hba)
 {
-    if (poolKind == primordialPoolNoRaid)
-        return noRaid;
+    if (poolKind == primordialPoolNoRaid) return noRaid;
     std::size_t members = 0;
     for (const SasPhysicalDriveRecord* drive = hba.physicalDrives.get(); drive; drive = drive->next.get())
-        if (drive->usage == DriveUsage::Member)
-            ++members;
+        if (drive->usage == DriveUsage::Member) ++members;
     return members == 1 ? singleDrive : mirroring;
 }
 
@@ -78,8 +80,7 @@ CmpiInstance KDV_SASStorageCapabilities::getInstance()
     row.uint16("DeltaReservationMin", 0);
     row.uint16("ElementType", 5); // StoragePool
     row.uint16("PackageRedundancyMin", 0);
-    if (_poolKind > storagePool)
-        return row.instance();
+    if (_poolKind > storagePool) return row.instance();
     const Redundancy& offered = redundancyOf(_poolKind, *_hba);
     row.uint16("DataRedundancyDefault", offered.data);
     row.uint16("DataRedundancyMax", offered.data);

@@ -32,8 +32,7 @@ std::string boxIdentity(std::uint32_t hbaNumber, std::uint32_t boxNumber)
 
 } // namespace
 
-KDV_SASStorageEnclosureProcessor::KDV_SASStorageEnclosureProcessor(const Logger& logger,
-                                                                   const std::string& nameSpace,
+KDV_SASStorageEnclosureProcessor::KDV_SASStorageEnclosureProcessor(const Logger& logger, const std::string& nameSpace,
                                                                    const SasHbaRecord* hba,
                                                                    const SasStorageBoxRecord* box)
     : CmpiManagedInstance(className), _nameSpace(nameSpace), _log(logger, className), _hba(hba), _box(box),

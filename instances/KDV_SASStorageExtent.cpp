@@ -12,21 +12,20 @@ namespace {
 constexpr char className[] = "KDV_SASStorageExtent";
 
 // The second kind of predictive failure (10) and degraded (12) are Unknown here, unlike in the disk drive.
-constexpr CodeMap<std::uint16_t, 8> extentDriveStatus{
-    {{2, OperationalStatus::OK},
-     {3, OperationalStatus::PredictiveFailure},
-     {4, OperationalStatus::Error},
-     {5, OperationalStatus::Error},
-     {6, OperationalStatus::Error},
-     {7, OperationalStatus::Error},
-     {8, OperationalStatus::Error},
-     {9, OperationalStatus::Error}},
-    OperationalStatus::Unknown};
+constexpr CodeMap<std::uint16_t, 8> extentDriveStatus{{{2, OperationalStatus::OK},
+                                                       {3, OperationalStatus::PredictiveFailure},
+                                                       {4, OperationalStatus::Error},
+                                                       {5, OperationalStatus::Error},
+                                                       {6, OperationalStatus::Error},
+                                                       {7, OperationalStatus::Error},
+                                                       {8, OperationalStatus::Error},
+                                                       {9, OperationalStatus::Error}},
+                                                      OperationalStatus::Unknown};
 
 } // namespace
 
-KDV_SASStorageExtent::KDV_SASStorageExtent(const Logger& logger, const std::string& nameSpace,
-                                           const SasHbaRecord* hba, const SasPhysicalDrive* drive)
+KDV_SASStorageExtent::KDV_SASStorageExtent(const Logger& logger, const std::string& nameSpace, const SasHbaRecord* hba,
+                                           const SasPhysicalDrive* drive)
     : CmpiManagedInstance(className), _nameSpace(nameSpace), _log(logger, className), _hba(hba), _drive(drive)
 {
     keysReadFrom(&drive->record->serialNumber, sizeof drive->record->serialNumber);
@@ -56,8 +55,7 @@ CmpiInstance KDV_SASStorageExtent::getInstance()
     row.string("DeviceID", record.serialNumber);
     row.string("SystemCreationClassName", arraySystemClass);
     row.string("SystemName", _hba->name);
-    if (record.blockSize != 0)
-        row.uint64("BlockSize", record.blockSize);
+    if (record.blockSize != 0) row.uint64("BlockSize", record.blockSize);
     if (record.blockCount != 0) {
         row.uint64("ConsumableBlocks", record.blockCount);
         row.uint64("NumberOfBlocks", record.blockCount);

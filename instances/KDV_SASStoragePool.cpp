@@ -12,18 +12,14 @@ namespace {
 
 constexpr char className[] = "KDV_SASStoragePool";
 
-std::string instanceId(std::uint32_t hbaNumber)
-{
-    return joined({className, "-", hbaNumber});
-}
+std::string instanceId(std::uint32_t hbaNumber) { return joined({className, "-", hbaNumber}); }
 
 // In 64 bits, unlike the primordial pools: the total does not wrap.
 std::uint64_t managedSpace(const SasHbaRecord& hba)
 {
     std::uint64_t total = 0;
     for (const SasPhysicalDriveRecord* drive = hba.physicalDrives.get(); drive; drive = drive->next.get())
-        if (drive->usage == DriveUsage::Member || drive->usage == DriveUsage::Spare)
-            total += drive->size;
+        if (drive->usage == DriveUsage::Member || drive->usage == DriveUsage::Spare) total += drive->size;
     return total;
 }
 

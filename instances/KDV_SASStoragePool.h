@@ -28,7 +28,7 @@ private:
     std::string _nameSpace;
     InstanceLog _log;
     const SasHbaRecord* _hba;
-    std::uint32_t _hbaNumber; // kept from construction
+    std::uint32_t _hbaNumber;         // kept from construction
     std::uint64_t _totalManagedSpace; // as it was at construction
 };
 

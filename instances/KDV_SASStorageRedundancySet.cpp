@@ -50,8 +50,7 @@ CmpiInstance KDV_SASStorageRedundancySet::getInstance()
     row.uint16("LoadBalanceAlgorithm", 2); // No Load Balancing
     row.uint32("MaxNumberSupported", 0);
     row.uint32("MinNumberSupported", 0);
-    if (const auto status = redundancyStatus[_logicalDrive->redundancyState])
-        row.uint16("RedundancyStatus", *status);
+    if (const auto status = redundancyStatus[_logicalDrive->redundancyState]) row.uint16("RedundancyStatus", *status);
     row.uint16Array("TypeOfSet", {5}); // Limited Sparing
     return row.instance();
 }

@@ -53,8 +53,7 @@ CmpiInstance KDV_SASStorageSetting::getInstance()
     row.uint8("DeltaReservationGoal", 0); // 8 bits wide here, 16 in the capabilities
     row.uint8("DeltaReservationMax", 0);
     row.uint8("DeltaReservationMin", 0);
-    if (redundancy.noSinglePointOfFailure)
-        row.boolean("NoSinglePointOfFailure", *redundancy.noSinglePointOfFailure);
+    if (redundancy.noSinglePointOfFailure) row.boolean("NoSinglePointOfFailure", *redundancy.noSinglePointOfFailure);
     if (redundancy.packageRedundancy) {
         row.uint16("PackageRedundancyGoal", *redundancy.packageRedundancy);
         row.uint16("PackageRedundancyMax", *redundancy.packageRedundancy);

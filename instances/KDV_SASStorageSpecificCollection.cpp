@@ -26,7 +26,8 @@ std::uint16_t groupStatus(const SasHbaRecord* hbas)
 const char* statusText(std::uint16_t status)
 {
     switch (status) {
-    case OperationalStatus::OK: return "SAS HBA controllers and the attached storage are operating properly.";
+    case OperationalStatus::OK:
+        return "SAS HBA controllers and the attached storage are operating properly.";
     case OperationalStatus::Degraded:
         return "One or more SAS HBAs, physical drives, logical drives, or storage enclosures are in degraded "
                "condition.";
@@ -40,8 +41,7 @@ const char* statusText(std::uint16_t status)
 
 } // namespace
 
-KDV_SASStorageSpecificCollection::KDV_SASStorageSpecificCollection(const Logger& logger,
-                                                                   const std::string& nameSpace,
+KDV_SASStorageSpecificCollection::KDV_SASStorageSpecificCollection(const Logger& logger, const std::string& nameSpace,
                                                                    const SasHbaRecord* hbas)
     : CmpiManagedInstance(className), _nameSpace(nameSpace), _log(logger, className), _hbas(hbas)
 {

@@ -21,15 +21,12 @@ constexpr CodeMap<std::uint16_t, 3> volumeStatus{
 constexpr CodeMap<std::uint16_t, 1> extentStatus{{{4, ExtentStatus::Rebuild}}, ExtentStatus::None};
 
 // Shifted down and up again in 32 bits on purpose: below 512 nothing is left, and from 2,097,152 on the count wraps.
-std::uint64_t blockCount(std::uint32_t sizeMiB)
-{
-    return std::uint32_t(sizeMiB >> 9 << 20);
-}
+std::uint64_t blockCount(std::uint32_t sizeMiB) { return std::uint32_t(sizeMiB >> 9 << 20); }
 
 } // namespace
 
-KDV_SASStorageVolume::KDV_SASStorageVolume(const Logger& logger, const std::string& nameSpace,
-                                           const SasHbaRecord* hba, const SasLogicalDriveRecord* logicalDrive)
+KDV_SASStorageVolume::KDV_SASStorageVolume(const Logger& logger, const std::string& nameSpace, const SasHbaRecord* hba,
+                                           const SasLogicalDriveRecord* logicalDrive)
     : CmpiManagedInstance(className), _nameSpace(nameSpace), _log(logger, className), _hba(hba),
       _logicalDrive(logicalDrive), _hbaNumber(hba->hbaNumber), _logicalDriveNumber(logicalDrive->logicalDriveNumber)
 {
@@ -60,20 +57,16 @@ CmpiInstance KDV_SASStorageVolume::getInstance()
     row.string("DeviceID", volumeDeviceText(_logicalDrive->logicalDriveNumber));
     row.string("SystemCreationClassName", arraySystemClass);
     row.string("SystemName", _hba->name);
-    if (redundancy.dataRedundancy)
-        row.uint16("DataRedundancy", *redundancy.dataRedundancy);
+    if (redundancy.dataRedundancy) row.uint16("DataRedundancy", *redundancy.dataRedundancy);
     row.uint8("DeltaReservation", 0);
     row.uint16Array("ExtentStatus", {extentStatus[_logicalDrive->redundancyState]});
     row.boolean("IsBasedOnUnderlyingRedundancy", false);
-    if (redundancy.noSinglePointOfFailure)
-        row.boolean("NoSinglePointOfFailure", *redundancy.noSinglePointOfFailure);
-    if (redundancy.packageRedundancy)
-        row.uint16("PackageRedundancy", *redundancy.packageRedundancy);
+    if (redundancy.noSinglePointOfFailure) row.boolean("NoSinglePointOfFailure", *redundancy.noSinglePointOfFailure);
+    if (redundancy.packageRedundancy) row.uint16("PackageRedundancy", *redundancy.packageRedundancy);
     row.boolean("Primordial", false);
     row.uint16("NameFormat", 7); // SNVM
     row.boolean("Deleteable", false);
-    if (redundancy.faultTolerance)
-        row.uint16("FaultTolerance", *redundancy.faultTolerance);
+    if (redundancy.faultTolerance) row.uint16("FaultTolerance", *redundancy.faultTolerance);
     row.uint16Array("OperationalStatus", {volumeStatus[_logicalDrive->status]});
     row.string("OSName", _logicalDrive->osName); // "OsName" in the extent: both spellings are published
     row.uint64("BlockSize", 512);

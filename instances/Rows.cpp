@@ -9,7 +9,8 @@ namespace KDV {
 
 PropertyRows::PropertyRows(const CmpiManagedInstance& object)
     : _instance(makeCmpiInstance(KDVUtil::getBroker(), object.getPath()))
-{}
+{
+}
 
 void PropertyRows::uint16Array(Name name, std::initializer_list<std::uint16_t> values)
 {

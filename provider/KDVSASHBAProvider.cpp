@@ -56,14 +56,12 @@ void KDVSASHBAProvider::getInstance(const CmpiContext& context, const CmpiObject
                                     const char* const* properties, const CmpiInstanceResult& result)
 {
     AutoMutex lock(_mutex);
-    if (!_collection.getInstance(result, context, path, properties))
-        throw CmpiStatus(CMPI_RC_ERR_NOT_FOUND);
+    if (!_collection.getInstance(result, context, path, properties)) throw CmpiStatus(CMPI_RC_ERR_NOT_FOUND);
 }
 
 bool KDVSASHBAProvider::cleanup(const CmpiContext&, bool terminating)
 {
-    if (terminating)
-        _ending = true;
+    if (terminating) _ending = true;
     return terminating;
 }
 
@@ -103,42 +101,36 @@ void KDVSASHBAProvider::referenceNames(const CmpiContext& context, const CmpiObj
 
 // Every filter is welcome and no polling is needed: changes are found by the pass.
 void KDVSASHBAProvider::authorizeFilter(const CmpiContext&, const CmpiSelectExp&, const CmpiName&,
-                                        const CmpiObjectPath&, const char*) {}
+                                        const CmpiObjectPath&, const char*)
+{
+}
 
 void KDVSASHBAProvider::mustPoll(const CmpiContext&) {}
 
-void KDVSASHBAProvider::activateFilter(const CmpiContext&, const CmpiSelectExp&, const CmpiName&,
-                                       const CmpiObjectPath&, bool)
+void KDVSASHBAProvider::activateFilter(const CmpiContext&, const CmpiSelectExp&, const CmpiName&, const CmpiObjectPath&,
+                                       bool)
 {
     _indicationsEnabled = true;
 }
 
 // Only disableIndications ends the alerts: servers deactivate filters one by one and in any order.
 void KDVSASHBAProvider::deactivateFilter(const CmpiContext&, const CmpiSelectExp&, const CmpiName&,
-                                         const CmpiObjectPath&, bool) {}
-
-void KDVSASHBAProvider::enableIndications(const CmpiContext&)
+                                         const CmpiObjectPath&, bool)
 {
-    _indicationsEnabled = true;
 }
 
-void KDVSASHBAProvider::disableIndications(const CmpiContext&)
-{
-    _indicationsEnabled = false;
-}
+void KDVSASHBAProvider::enableIndications(const CmpiContext&) { _indicationsEnabled = true; }
+
+void KDVSASHBAProvider::disableIndications(const CmpiContext&) { _indicationsEnabled = false; }
 
 void KDVSASHBAProvider::invokeMethod(const CmpiContext& context, const CmpiObjectPath&, const CmpiName& method,
                                      const CmpiArgs&, const CmpiMethodResult& result)
 {
     std::uint32_t answer = 1; // not a method of ours; the path is not looked at
-    if (method == CmpiName(workerMethod))
-        answer = _backgroundWorker(context);
+    if (method == CmpiName(workerMethod)) answer = _backgroundWorker(context);
     result.returnData(answer);
 }
 
-bool KDVSASHBAProvider::unloadOK(const CmpiContext&)
-{
-    return true;
-}
+bool KDVSASHBAProvider::unloadOK(const CmpiContext&) { return true; }
 
 } // namespace KDV

@@ -22,10 +22,9 @@
 #include <atomic>
 #include <cstdint>
 #include <memory>
+#include <pthread.h>
 #include <utility>
 #include <vector>
-
-#include <pthread.h>
 
 namespace KDV {
 
@@ -116,11 +115,9 @@ private:
     template <class Instance, class... Arguments>
     Instance* publishFor(SasPhysicalDrive& drive, Arguments&&... arguments)
     {
-        if (drive.hotPlugTracked)
-            drive.trackedInstances.reserve(trackedInstancesOfADrive);
+        if (drive.hotPlugTracked) drive.trackedInstances.reserve(trackedInstancesOfADrive);
         auto* instance = publish<Instance>(std::forward<Arguments>(arguments)...);
-        if (drive.hotPlugTracked)
-            drive.trackedInstances.push_back(instance);
+        if (drive.hotPlugTracked) drive.trackedInstances.push_back(instance);
         return instance;
     }
     static constexpr std::size_t trackedInstancesOfADrive = 12;

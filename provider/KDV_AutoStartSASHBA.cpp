@@ -16,7 +16,9 @@ constexpr std::uint16_t staggerSeconds = 28; // just below the interval: first p
 } // namespace
 
 KDV_AutoStartSASHBA::KDV_AutoStartSASHBA(const Logger& logger, const std::string& nameSpace)
-    : CmpiManagedInstance(className), _nameSpace(nameSpace), _log(logger, className) {}
+    : CmpiManagedInstance(className), _nameSpace(nameSpace), _log(logger, className)
+{
+}
 
 KDV_AutoStartSASHBA::~KDV_AutoStartSASHBA() = default;
 
@@ -32,9 +34,9 @@ CmpiInstance KDV_AutoStartSASHBA::getInstance()
 {
     _log.info("getInstance()");
     PropertyRows row(*this);
-    row.string("ProviderName",              providerName);
-    row.string("WorkerMethodNameSpace",     _nameSpace);
-    row.uint16("WorkerPollInterval",        pollSeconds);
+    row.string("ProviderName", providerName);
+    row.string("WorkerMethodNameSpace", _nameSpace);
+    row.uint16("WorkerPollInterval", pollSeconds);
     row.uint16("WorkerPollIntervalStagger", staggerSeconds);
     return row.instance();
 }

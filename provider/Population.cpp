@@ -1,7 +1,5 @@
 // What is published for which record, in which order. The order is that of every enumeration, so each list below is
 // part of what clients see. Runs when the provider is made, for physical drives also in a pass that finds a new disk.
-#include "provider/KDVSASHBAProvider.h"
-
 #include "associations/KDV_SASArraySystemArrayController.h"
 #include "associations/KDV_SASArraySystemDAPort.h"
 #include "associations/KDV_SASArraySystemDiskDrive.h"
@@ -79,6 +77,7 @@
 #include "instances/KDV_SASStorageSetting.h"
 #include "instances/KDV_SASStorageSpecificCollection.h"
 #include "instances/KDV_SASStorageVolume.h"
+#include "provider/KDVSASHBAProvider.h"
 #include "records/SasDataLibrary.h"
 
 #include <cstring>
@@ -105,8 +104,8 @@ std::size_t expectedObjects(const SasDataRoot& root)
 {
     std::size_t objects = 2;
     for (const auto* hba = root.hbas.get(); hba; hba = hba->next.get())
-        objects += 36 + 7 * lengthOf(hba->logicalDrives.get()) + 10 * lengthOf(hba->storageBoxes.get())
-                   + 15 * lengthOf(hba->physicalDrives.get());
+        objects += 36 + 7 * lengthOf(hba->logicalDrives.get()) + 10 * lengthOf(hba->storageBoxes.get()) +
+                   15 * lengthOf(hba->physicalDrives.get());
     return objects;
 }
 
@@ -117,8 +116,7 @@ void KDVSASHBAProvider::_cmpiManagedInstanceFactory()
     _logger.info("_cmpiManagedInstanceFactory");
     std::memset(&_sasData, 0, sizeof _sasData);
     CreateSasLists(&_sasData);
-    if (!_sasData.hbas)
-        return;
+    if (!_sasData.hbas) return;
     _sasData.initialLoad = 1;
     UpdateSasData(&_sasData);
     _sasData.initialLoad = 0;
@@ -129,8 +127,7 @@ void KDVSASHBAProvider::_cmpiManagedInstanceFactory()
         _hbas.push_back(&hba);
         _populate(hba);
     }
-    if (!_hbas.empty())
-        _createCollectionInstances();
+    if (!_hbas.empty()) _createCollectionInstances();
 }
 
 // Physical drives come last: they look up the logical drives and boxes of their HBA.
@@ -287,8 +284,7 @@ void KDVSASHBAProvider::_createPoolAndVolumeLinks(SasHba& hba, const SasPhysical
     publish<KDV_SASPrimordialPoolStorageExtent>(hba.primordialPool, extent);
     if (record.usage == usageMember) {
         const SasLogicalDrive* logicalDrive = lookup.byMember(record.driveNumber);
-        if (!logicalDrive)
-            return;
+        if (!logicalDrive) return;
         publish<KDV_SASStorageExtentStorageVolume>(extent, logicalDrive->storageVolume);
         if (logicalDrive->redundancySet) {
             publish<KDV_SASStorageRedundancySetStorageExtent>(logicalDrive->redundancySet, extent);

@@ -12,7 +12,6 @@
 #include <map>
 #include <memory>
 #include <string>
-
 #include <unistd.h>
 
 using namespace CmpiCpp;
@@ -50,7 +49,9 @@ CmpiProvider* newProvider(const CMPIBroker* broker, const Logger& logger)
 struct WrappedProvider {
     WrappedProvider(const CMPIBroker* broker, const Logger& logger)
         : autoStart(logger, sasNameSpace), decorator(logger, broker, &newProvider, &autoStart),
-          logged(logger, &decorator) {}
+          logged(logger, &decorator)
+    {
+    }
 
     KDV_AutoStartSASHBA autoStart;
     AutostartDecorator decorator;
@@ -67,8 +68,7 @@ Logger processLogger()
 
 CmpiProvider* createProvider(const CMPIBroker* broker, const char* name)
 {
-    if (CmpiName(name) != CmpiName(providerName))
-        return nullptr;
+    if (CmpiName(name) != CmpiName(providerName)) return nullptr;
     static const Logger logger = processLogger();
     static WrappedProvider* kept = nullptr; // lets leak checkers see that it is still meant
     kept = std::make_unique<WrappedProvider>(broker, logger).release();
@@ -91,8 +91,7 @@ CmpiProvider* obtainProvider(const CMPIBroker* broker, const CmpiContext&, const
             providers.emplace(key, provider);
         }
     }
-    if (provider)
-        provider->incRefcount();
+    if (provider) provider->incRefcount();
     return provider;
 }
 

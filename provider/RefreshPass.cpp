@@ -1,11 +1,10 @@
 // One pass of the worker: refresh the records, follow the disks that were inserted or pulled, check the states, purge.
 // A disk is known by its drive number within its HBA, by nothing else. Only disks are followed; HBAs, volumes and boxes
 // stay as they were when the provider was made.
-#include "provider/KDVSASHBAProvider.h"
-
 #include "alerts/StatusCheck.h"
 #include "common/AutoMutex.h"
 #include "common/CmpiManagedInstance.h"
+#include "provider/KDVSASHBAProvider.h"
 #include "records/SasDataLibrary.h"
 
 #include <string>
@@ -22,8 +21,7 @@ bool sameDrives(const SasHba& hba)
 {
     const SasPhysicalDriveRecord* record = hba.record->physicalDrives.get();
     for (const SasPhysicalDrive* drive : hba.physicalDrives) {
-        if (!record || record->driveNumber != drive->driveNumber)
-            return false;
+        if (!record || record->driveNumber != drive->driveNumber) return false;
         record = record->next.get();
     }
     return !record;
@@ -68,8 +66,7 @@ std::uint32_t KDVSASHBAProvider::_backgroundWorker(const CmpiContext& context)
     _collection.refreshed();
     // Kept until it is done: when a check fails, the next pass disposes of what this one has hidden.
     _cleanupDue = _followHotPlug() || _cleanupDue;
-    if (_indicationsEnabled && !_ending)
-        _checkSasIndications(context);
+    if (_indicationsEnabled && !_ending) _checkSasIndications(context);
     if (_cleanupDue) {
         _collection.cleanup();
         _cleanupDue = false;
@@ -87,8 +84,7 @@ bool KDVSASHBAProvider::_followHotPlug()
 {
     std::vector<SasHba*> changed;
     for (SasHba* hba : _hbas)
-        if (!sameDrives(*hba))
-            changed.push_back(hba);
+        if (!sameDrives(*hba)) changed.push_back(hba);
 
     for (SasHba* hba : changed)
         _addDrives(*hba);
@@ -103,11 +99,9 @@ void KDVSASHBAProvider::_addDrives(SasHba& hba)
     DriveNumbers known = numbersKnown(hba);
     const DriveLookup lookup(hba);
     for (auto* record = hba.record->physicalDrives.get(); record; record = record->next.get()) {
-        if (!known.insert(std::uint32_t(record->driveNumber)).second)
-            continue;
-        _logger.info("Disk hotplug -- add a new disk: host %d disk %d location %s",
-                     static_cast<int>(record->hbaNumber), static_cast<int>(record->driveNumber),
-                     std::string(textOf(record->hotPlugLocation)).c_str());
+        if (!known.insert(std::uint32_t(record->driveNumber)).second) continue;
+        _logger.info("Disk hotplug -- add a new disk: host %d disk %d location %s", static_cast<int>(record->hbaNumber),
+                     static_cast<int>(record->driveNumber), std::string(textOf(record->hotPlugLocation)).c_str());
         SasPhysicalDrive& drive = _devices->physicalDrives.emplace_back(_logger, record);
         hba.physicalDrives.push_back(&drive);
         _createPhyDrvInstances(hba, drive, lookup);

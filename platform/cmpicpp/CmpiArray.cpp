@@ -58,7 +58,8 @@ bool storeNumber(CMPIValue& value, CMPIType type, std::uint64_t number) noexcept
 
 CmpiArray::CmpiArray(const CMPIBroker* broker, CMPIArray* raw, CMPICount count, CMPIType elementType) noexcept
     : _broker(broker), _raw(raw), _count(count), _elementType(elementType), _fewTexts{}
-{}
+{
+}
 
 CmpiArray::CmpiArray(CmpiArray&& other) noexcept
     : _broker(other._broker), _raw(std::exchange(other._raw, nullptr)), _count(std::exchange(other._count, 0)),

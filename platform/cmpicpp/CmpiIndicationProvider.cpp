@@ -109,7 +109,8 @@ void CmpiIndicationProvider::activateFilter(const CmpiContext&, const CmpiSelect
 
 void CmpiIndicationProvider::deactivateFilter(const CmpiContext&, const CmpiSelectExp&, const CmpiName&,
                                               const CmpiObjectPath&, bool)
-{}
+{
+}
 
 void CmpiIndicationProvider::enableIndications(const CmpiContext&) {}
 

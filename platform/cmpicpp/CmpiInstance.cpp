@@ -55,7 +55,8 @@ bool isNumber(CMPIType type) noexcept { return (type & CMPI_UINT) != 0 && (type 
 
 CmpiInstance::CmpiInstance(CMPIInstance* raw, const char* const* wanted) noexcept
     : _raw(raw), _wanted(wanted), _keyHashes{}
-{}
+{
+}
 
 CmpiInstance::CmpiInstance(CmpiInstance&& other) noexcept
     : _raw(std::exchange(other._raw, nullptr)), _wanted(other._wanted), _keyCount(other._keyCount)

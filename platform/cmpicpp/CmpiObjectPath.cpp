@@ -45,7 +45,8 @@ CmpiObjectPath::CmpiObjectPath(const CmpiObjectPath& other) : _raw(nullptr), _ho
 
 CmpiObjectPath::CmpiObjectPath(CmpiObjectPath&& other) noexcept
     : _raw(std::exchange(other._raw, nullptr)), _hold(std::exchange(other._hold, Hold::lent))
-{}
+{
+}
 
 CmpiObjectPath& CmpiObjectPath::operator=(CmpiObjectPath other) noexcept
 {

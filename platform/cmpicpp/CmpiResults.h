@@ -29,7 +29,8 @@ public:
     // With a broker a copied path, which no server would ever release, is made anew before it is left to the server.
     explicit CmpiObjectPathResult(const CMPIResult* raw, const CMPIBroker* broker = nullptr) noexcept
         : _raw(raw), _broker(broker)
-    {}
+    {
+    }
     void returnObjectPath(CmpiObjectPath path) const; // leaves the object to the server
     void returnDone() const;
     const CMPIResult* raw() const noexcept { return _raw; }

@@ -14,7 +14,8 @@ std::uint32_t firstVisibleAt(const CollectionIndex& index, const CmpiObjectPath&
 
 AssociationWalk::AssociationWalk(CollectionIndex& index, const CmpiObjectPath& given, const AssociationFilter& filter)
     : _index(index), _given(given), _filter(filter), _node(index.findNode(given))
-{}
+{
+}
 
 std::optional<CmpiObjectPath> AssociationWalk::otherEnd(std::uint32_t id)
 {

@@ -79,7 +79,8 @@ void registerSchedule(const std::shared_ptr<PassSchedule>& schedule)
 AutostartDecorator::AutostartDecorator(const Logger& logger, const CMPIBroker* broker, ProviderFactory factory,
                                        CmpiManagedInstance* autostart, std::shared_ptr<PassClock> clock)
     : AutostartDecorator(logger, broker, make(factory, broker, logger), autostart, std::move(clock))
-{}
+{
+}
 
 AutostartDecorator::AutostartDecorator(const Logger& logger, const CMPIBroker* broker,
                                        std::shared_ptr<CmpiProvider> provider, CmpiManagedInstance* autostart,
@@ -207,7 +208,4 @@ void AutostartDecorator::invokeMethod(const CmpiContext& context, const CmpiObje
 } // namespace KDV
 
 // For a data library that hears of a plugged disk and does not link this one: it finds the name when it is loaded.
-extern "C" KDV_COMMON_API void kdvRequestPass() noexcept
-{
-    KDV::AutostartDecorator::requestPass();
-}
+extern "C" KDV_COMMON_API void kdvRequestPass() noexcept { KDV::AutostartDecorator::requestPass(); }

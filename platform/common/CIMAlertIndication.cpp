@@ -18,8 +18,7 @@ namespace {
 std::uint64_t microsecondsNow()
 {
     using namespace std::chrono;
-    return static_cast<std::uint64_t>(
-        duration_cast<microseconds>(system_clock::now().time_since_epoch()).count());
+    return static_cast<std::uint64_t>(duration_cast<microseconds>(system_clock::now().time_since_epoch()).count());
 }
 
 // Unique across restarts, processes and alerts of one microsecond.
@@ -38,8 +37,8 @@ CmpiInstance emptyInstance(const std::string& className, const std::string& name
 
 } // namespace
 
-CIMAlertIndication::CIMAlertIndication(const Logger& logger, const std::string& className,
-                                       const std::string& nameSpace, int perceivedSeverity)
+CIMAlertIndication::CIMAlertIndication(const Logger& logger, const std::string& className, const std::string& nameSpace,
+                                       int perceivedSeverity)
     : _logger(logger), _instance(emptyInstance(className, nameSpace))
 {
     const std::string host = KDVUtil::getHostName();
@@ -76,17 +75,11 @@ void CIMAlertIndication::setRecommendedActions(const std::string& actions)
     _instance.addProperty("RecommendedActions", textArray({actions}));
 }
 
-void CIMAlertIndication::setSystemCreationClassName(const std::string& name)
-{
-    add("SystemCreationClassName", name);
-}
+void CIMAlertIndication::setSystemCreationClassName(const std::string& name) { add("SystemCreationClassName", name); }
 
 void CIMAlertIndication::setProbableCause(std::uint16_t cause) { add("ProbableCause", cause); }
 
-void CIMAlertIndication::setProbableCauseDescription(const std::string& text)
-{
-    add("ProbableCauseDescription", text);
-}
+void CIMAlertIndication::setProbableCauseDescription(const std::string& text) { add("ProbableCauseDescription", text); }
 
 void CIMAlertIndication::setMessage(const std::string& owningEntity, const std::string& messageId,
                                     const std::vector<std::string>& arguments)

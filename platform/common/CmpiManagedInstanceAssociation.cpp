@@ -4,7 +4,8 @@ namespace KDV {
 
 CmpiManagedInstanceAssociation::CmpiManagedInstanceAssociation(const std::string& className)
     : CmpiManagedInstance(className)
-{}
+{
+}
 
 CmpiManagedInstanceAssociation::~CmpiManagedInstanceAssociation() = default;
 

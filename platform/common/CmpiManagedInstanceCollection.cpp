@@ -28,7 +28,8 @@ std::uint32_t firstAssociationAt(const CollectionIndex& index, const CmpiObjectP
 
 CmpiManagedInstanceCollection::CmpiManagedInstanceCollection(const Logger& logger)
     : _logger(logger), _index(std::make_unique<CollectionIndex>())
-{}
+{
+}
 
 CmpiManagedInstanceCollection::~CmpiManagedInstanceCollection() = default;
 

@@ -28,15 +28,13 @@ std::string textIfGlobal(const ifaddrs& interface, Address SocketAddress::*membe
     SocketAddress socketAddress;
     std::memcpy(&socketAddress, interface.ifa_addr, sizeof socketAddress);
     char text[INET6_ADDRSTRLEN] = "";
-    if (isGlobal(socketAddress.*member))
-        ::inet_ntop(family, &(socketAddress.*member), text, sizeof text);
+    if (isGlobal(socketAddress.*member)) ::inet_ntop(family, &(socketAddress.*member), text, sizeof text);
     return text;
 }
 
 std::string globalText(const ifaddrs& interface, int family)
 {
-    if (!interface.ifa_addr || interface.ifa_addr->sa_family != family || !(interface.ifa_flags & IFF_UP))
-        return {};
+    if (!interface.ifa_addr || interface.ifa_addr->sa_family != family || !(interface.ifa_flags & IFF_UP)) return {};
     return family == AF_INET ? textIfGlobal(interface, &sockaddr_in::sin_addr, family)
                              : textIfGlobal(interface, &sockaddr_in6::sin6_addr, family);
 }
@@ -48,8 +46,7 @@ std::string firstGlobalAddress(const ifaddrs* interfaces)
     for (const int family : {AF_INET, AF_INET6}) {
         for (const ifaddrs* interface = interfaces; interface; interface = interface->ifa_next) {
             std::string text = globalText(*interface, family);
-            if (!text.empty())
-                return text;
+            if (!text.empty()) return text;
         }
     }
     return "127.0.0.1";
@@ -58,8 +55,7 @@ std::string firstGlobalAddress(const ifaddrs* interfaces)
 std::string hostAddress()
 {
     ifaddrs* list = nullptr;
-    if (::getifaddrs(&list) != 0)
-        return firstGlobalAddress(nullptr);
+    if (::getifaddrs(&list) != 0) return firstGlobalAddress(nullptr);
     const std::unique_ptr<ifaddrs, void (*)(ifaddrs*)> owner(list, ::freeifaddrs);
     return firstGlobalAddress(list);
 }

@@ -39,8 +39,7 @@ private:
 const Json& member(const Json& object, const char* name, const Place& place)
 {
     const auto found = object.find(name);
-    if (found == object.end())
-        place.of(name).expected("a value; it is missing");
+    if (found == object.end()) place.of(name).expected("a value; it is missing");
     return *found;
 }
 
@@ -66,15 +65,13 @@ void refuseOthers(const Json& object, std::initializer_list<const char*> known, 
         bool found = false;
         for (const char* name : known)
             found = found || item.key() == name;
-        if (!found)
-            place.of(item.key()).expected("no such member");
+        if (!found) place.of(item.key()).expected("no such member");
     }
 }
 
 IndDBRec event(const Json& json, const Place& place, int& id)
 {
-    if (!json.is_object())
-        place.expected("an object");
+    if (!json.is_object()) place.expected("an object");
     refuseOthers(json,
                  {"id", "messageId", "summary", "description", "recommendedActions", "perceivedSeverity", "alertType",
                   "eventCategory", "probableCause", "probableCauseDescription"},
@@ -132,8 +129,7 @@ std::string contentOf(const std::string& file, const struct stat& stamp)
     std::ifstream in(file, std::ios::binary);
     std::ostringstream content;
     content << in.rdbuf();
-    if (!in)
-        throw std::runtime_error(file + ": cannot be read");
+    if (!in) throw std::runtime_error(file + ": cannot be read");
     return content.str();
 }
 
@@ -146,14 +142,12 @@ std::shared_ptr<const IndicationEvents> load(const std::string& file, const Logg
     CachedFile& cached = cache[file];
     struct stat stamp = {};
     const bool there = ::stat(file.c_str(), &stamp) == 0;
-    if (cached.read && sameFile(cached.stamp, stamp))
-        return cached.events;
+    if (cached.read && sameFile(cached.stamp, stamp)) return cached.events;
     cached.read = true;
     cached.stamp = stamp;
     cached.events = std::make_shared<const IndicationEvents>();
     try {
-        if (!there)
-            throw std::runtime_error(file + ": " + std::strerror(errno));
+        if (!there) throw std::runtime_error(file + ": " + std::strerror(errno));
         cached.events = std::make_shared<const IndicationEvents>(parseIndicationEvents(contentOf(file, stamp), file));
     } catch (const std::exception& error) {
         logger.error("indication database: %s", error.what());
@@ -167,14 +161,12 @@ IndicationEvents parseIndicationEvents(const std::string& content, const std::st
 {
     const Json json = parse(content, file);
     const Place root(file, "");
-    if (!json.is_object())
-        root.expected("an object");
+    if (!json.is_object()) root.expected("an object");
     refuseOthers(json, {"class", "provider", "owningEntity", "eventCategories", "events"}, root);
     const std::string provider = text(json, "provider", root);
     const std::string owningEntity = text(json, "owningEntity", root);
     const Json& list = member(json, "events", root);
-    if (!list.is_array())
-        root.of("events").expected("an array");
+    if (!list.is_array()) root.of("events").expected("an array");
     IndicationEvents events;
     for (std::size_t i = 0; i < list.size(); ++i) {
         const Place place = root.of("events").of(std::to_string(i));
@@ -182,23 +174,22 @@ IndicationEvents parseIndicationEvents(const std::string& content, const std::st
         IndDBRec record = event(list[i], place, id);
         record.providerName = provider;
         record.owningEntity = owningEntity;
-        if (!events.emplace(id, std::move(record)).second)
-            place.of("id").expected("an event that was not told before");
+        if (!events.emplace(id, std::move(record)).second) place.of("id").expected("an event that was not told before");
     }
     return events;
 }
 
 IndicationDB::IndicationDB(const Logger& logger, const std::string& className)
     : _events(load(KDVUtil::configurationDirectory() + className + ".json", logger))
-{}
+{
+}
 
 IndicationDB::~IndicationDB() = default;
 
 int IndicationDB::getRecord(int eventId, IndDBRec& record) const
 {
     const auto found = _events->find(eventId);
-    if (found == _events->end())
-        return 1;
+    if (found == _events->end()) return 1;
     record = found->second;
     return 0;
 }

@@ -53,7 +53,8 @@ std::string textOf(const CmpiObjectPath& path)
 
 LoggedProvider::LoggedProvider(const Logger& logger, CmpiProvider* provider)
     : ProviderForwarder(provider), _logger(logger)
-{}
+{
+}
 
 LoggedProvider::~LoggedProvider() = default;
 

@@ -4,24 +4,19 @@
 
 namespace KDV {
 
-ZTAlertIndication::ZTAlertIndication(const Logger& logger, const std::string& className,
-                                     const std::string& nameSpace, int perceivedSeverity)
+ZTAlertIndication::ZTAlertIndication(const Logger& logger, const std::string& className, const std::string& nameSpace,
+                                     int perceivedSeverity)
     : CIMAlertIndication(logger, className, nameSpace, perceivedSeverity)
-{}
+{
+}
 
 ZTAlertIndication::~ZTAlertIndication() = default;
 
 void ZTAlertIndication::setSummary(const std::string& text) { add("Summary", text); }
 
-void ZTAlertIndication::setEventCategory(int category)
-{
-    add("EventCategory", static_cast<std::uint16_t>(category));
-}
+void ZTAlertIndication::setEventCategory(int category) { add("EventCategory", static_cast<std::uint16_t>(category)); }
 
-void ZTAlertIndication::setNetworkIPAddress(const CmpiCpp::CmpiContext&)
-{
-    add("NetworkIPAddress", hostAddress());
-}
+void ZTAlertIndication::setNetworkIPAddress(const CmpiCpp::CmpiContext&) { add("NetworkIPAddress", hostAddress()); }
 
 void ZTAlertIndication::setHWFirmwareVersion(const std::string& version) { add("HWFirmwareVersion", version); }
 

@@ -15,7 +15,8 @@ public:
     LogSource(const LogSource* base, std::string_view added, std::size_t hash, const LogSource* next)
         : _base(base), _text(base ? base->_text + std::string(added) : std::string(added)), _added(added.size()),
           _hash(hash), _next(next)
-    {}
+    {
+    }
 
     const std::string& text() const noexcept { return _text; }
     const LogSource* next() const noexcept { return _next; }

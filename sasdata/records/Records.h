@@ -22,41 +22,41 @@ namespace KDV {
 struct SasPhysicalDriveRecord {
     RecordLink<SasPhysicalDriveRecord> next;
     std::uint32_t hbaNumber;
-    std::uint32_t driveNumber;           // the key of members, spares, hot-plug and lookups
-    std::uint32_t size;                  // MiB; summed into the pools' managed space as it stands
+    std::uint32_t driveNumber; // the key of members, spares, hot-plug and lookups
+    std::uint32_t size;        // MiB; summed into the pools' managed space as it stands
     std::uint8_t gap16[4];
-    std::uint8_t oldStatus;              // written by the provider only; 0 never checked
+    std::uint8_t oldStatus; // written by the provider only; 0 never checked
     std::uint8_t gap21;
-    std::uint8_t status;                 // 2 OK, 3 and 10 predictive failure, 4 to 9 error, 12 degraded
+    std::uint8_t status; // 2 OK, 3 and 10 predictive failure, 4 to 9 error, 12 degraded
     std::uint8_t gap23[2];
-    std::uint8_t usage;                  // 2 member of a volume, 3 spare, 4 not configured for RAID
-    std::uint8_t rotationalSpeed;        // 2 7200, 3 10000, 4 15000 revolutions per minute
-    std::uint8_t placement;              // 2 internal, 3 external
-    std::uint8_t hotPlug;                // 2 hot-swappable
+    std::uint8_t usage;           // 2 member of a volume, 3 spare, 4 not configured for RAID
+    std::uint8_t rotationalSpeed; // 2 7200, 3 10000, 4 15000 revolutions per minute
+    std::uint8_t placement;       // 2 internal, 3 external
+    std::uint8_t hotPlug;         // 2 hot-swappable
     std::uint8_t gap29;
-    std::uint8_t interface;              // 1 SATA, 2 SAS
-    char hotPlugLocation[128];           // appears only in the log line of a hot add
-    char location[81];                   // "Port 1I Box 1 Bay 3" or "Port 1I Device 4"
-    char inquiry[41];                    // vendor, blanks, model
+    std::uint8_t interface;    // 1 SATA, 2 SAS
+    char hotPlugLocation[128]; // appears only in the log line of a hot add
+    char location[81];         // "Port 1I Box 1 Bay 3" or "Port 1I Device 4"
+    char inquiry[41];          // vendor, blanks, model
     char firmwareRevision[9];
     char serialNumber[41];
-    char osName[12];                     // empty when the system has no device for the disk
+    char osName[12]; // empty when the system has no device for the disk
     char name[17];
-    std::uint32_t blockSize;             // bytes; 0 unknown
-    std::uint32_t blockCount;            // 0 unknown
-    std::uint8_t mediaType;              // 3 solid-state
+    std::uint32_t blockSize;  // bytes; 0 unknown
+    std::uint32_t blockCount; // 0 unknown
+    std::uint8_t mediaType;   // 3 solid-state
     std::int8_t ssdWearStatus;
     std::uint32_t ssdPowerOnHours;
-    std::uint32_t ssdEnduranceUsed;      // percent
+    std::uint32_t ssdEnduranceUsed; // percent
     std::uint32_t ssdLifeRemaining;
     std::uint8_t gap382[9];
-    std::uint8_t carrierAppVersion;      // smart carrier firmware, application image
-    std::uint8_t carrierBootldrVersion;  // smart carrier firmware, boot loader image
-    std::uint8_t carrierAuthStatus;      // 2 no smart drive carrier
+    std::uint8_t carrierAppVersion;     // smart carrier firmware, application image
+    std::uint8_t carrierBootldrVersion; // smart carrier firmware, boot loader image
+    std::uint8_t carrierAuthStatus;     // 2 no smart drive carrier
     std::uint8_t gap394[16];
-    std::uint32_t boxIdentifier;         // box number plus 0x10000000
+    std::uint32_t boxIdentifier; // box number plus 0x10000000
     std::uint8_t gap414[4];
-    std::uint8_t acknowledged;           // the provider writes 0 after every status check
+    std::uint8_t acknowledged; // the provider writes 0 after every status check
     std::uint8_t gap419[5];
 };
 
@@ -64,20 +64,20 @@ struct SasLogicalDriveRecord {
     RecordLink<SasLogicalDriveRecord> next;
     std::uint32_t hbaNumber;
     std::uint32_t logicalDriveNumber;
-    std::uint32_t size;                  // MiB in the space figures, see the volume classes
+    std::uint32_t size; // MiB in the space figures, see the volume classes
     std::uint8_t gap16[4];
-    std::uint32_t rebuildingDrive;       // number of the drive being rebuilt; 0xFFFFFFFF none
+    std::uint32_t rebuildingDrive; // number of the drive being rebuilt; 0xFFFFFFFF none
     std::uint8_t gap24;
-    std::uint8_t raidLevel;              // 2 RAID 0, 3 RAID 1, 4 RAID 0+1, 5 RAID 5, 6 RAID 1+5
-    std::uint8_t status;                 // 2 OK, 3 degraded, 4 failed
-    std::uint8_t oldRedundancyState;     // written by the provider only; 0 never checked
+    std::uint8_t raidLevel;          // 2 RAID 0, 3 RAID 1, 4 RAID 0+1, 5 RAID 5, 6 RAID 1+5
+    std::uint8_t status;             // 2 OK, 3 degraded, 4 failed
+    std::uint8_t oldRedundancyState; // written by the provider only; 0 never checked
     std::uint8_t gap28[128];
     char osName[13];
-    std::uint8_t redundancyState;        // 2 OK, 3 redundancy lost, 4 rebuilding, 5 and 6 failed
+    std::uint8_t redundancyState; // 2 OK, 3 redundancy lost, 4 rebuilding, 5 and 6 failed
     std::uint32_t memberCount;
-    std::uint32_t members[16];           // drive numbers
-    std::uint32_t spareCount;            // 0 means no redundancy set
-    std::uint32_t spares[16];            // drive numbers
+    std::uint32_t members[16]; // drive numbers
+    std::uint32_t spareCount;  // 0 means no redundancy set
+    std::uint32_t spares[16];  // drive numbers
 };
 
 struct SasStorageBoxRecord {
@@ -88,27 +88,27 @@ struct SasStorageBoxRecord {
     char model[17];
     char firmwareVersion[8];
     char manufacturer[9];
-    std::uint8_t fanStatus;              // 2 OK; 3, 5
-    std::uint8_t status;                 // 2 OK, 3 degraded, 4 error
-    std::uint8_t temperatureStatus;      // 2 OK; 3, 4
+    std::uint8_t fanStatus;         // 2 OK; 3, 5
+    std::uint8_t status;            // 2 OK, 3 degraded, 4 error
+    std::uint8_t temperatureStatus; // 2 OK; 3, 4
     std::uint8_t gap54;
-    std::uint8_t powerStatus;            // 2 OK; 3, 5
+    std::uint8_t powerStatus; // 2 OK; 3, 5
     std::uint8_t gap56;
     std::uint8_t driveBays;
-    std::uint8_t locationCode;           // 2 internal, 3 external
+    std::uint8_t locationCode; // 2 internal, 3 external
     std::uint8_t duplexCode;
     std::uint8_t gap60;
     char serialNumber[29];
     std::uint32_t hbaNumber;
     std::uint8_t gap94[129];
-    std::uint8_t backplaneSpeed;         // code 1, 2 or 3
+    std::uint8_t backplaneSpeed; // code 1, 2 or 3
     std::uint8_t gap224[7];
-    std::uint8_t oldFanStatus;           // the three old bytes: written by the provider only
+    std::uint8_t oldFanStatus; // the three old bytes: written by the provider only
     std::uint8_t oldTemperatureStatus;
     std::uint8_t oldPowerStatus;
     std::uint8_t physicalPosition;
     std::uint8_t gap235[3];
-    char name[82];                       // "Port 1E Box 1"
+    char name[82]; // "Port 1E Box 1"
 };
 
 struct SasHbaRecord {
@@ -118,24 +118,24 @@ struct SasHbaRecord {
     RecordLink<SasLogicalDriveRecord> logicalDrives;
     RecordLink<SasStorageBoxRecord> storageBoxes;
     std::uint8_t gap20[8];
-    std::uint32_t hbaNumber;             // also the first field of the controller information block
+    std::uint32_t hbaNumber; // also the first field of the controller information block
     char logicalLocation[128];
-    std::uint8_t slotNumber;             // 0 embedded, 255 unknown
-    std::uint8_t modelCode;              // 2 generic SAS HBA, 3 to 13 adapter models
+    std::uint8_t slotNumber; // 0 embedded, 255 unknown
+    std::uint8_t modelCode;  // 2 generic SAS HBA, 3 to 13 adapter models
     std::uint8_t gap162;
-    std::uint8_t arraySystemStatus;      // 2 OK, 3 degraded, 4 failed
-    std::uint8_t controllerStatus;       // 2 OK, 3 failed; the alerted status
-    std::uint8_t oldControllerStatus;    // written by the provider only; 0 never checked
+    std::uint8_t arraySystemStatus;   // 2 OK, 3 degraded, 4 failed
+    std::uint8_t controllerStatus;    // 2 OK, 3 failed; the alerted status
+    std::uint8_t oldControllerStatus; // written by the provider only; 0 never checked
     std::uint8_t gap166;
     char firmwareVersion[34];
-    char name[87];                       // adapter name and serial number: unique
+    char name[87]; // adapter name and serial number: unique
 };
 
 // Owned by the provider. The head is a link like any other; bytes 4 to 17 are the library's.
 struct SasDataRoot {
     RecordLink<SasHbaRecord> hbas;
     std::uint8_t gap4[14];
-    std::uint8_t initialLoad;            // 1 during the first refresh after the lists were made
+    std::uint8_t initialLoad; // 1 during the first refresh after the lists were made
     std::uint8_t gap19[2];
 };
 

@@ -1,8 +1,7 @@
 // The n-th call of the broker fails, for every n, in each operation that a server may ask for. A fault ends in an error
 // or does not show; it never leaks, crashes or stays. Leaks are seen by the address sanitizer and by the test broker.
-#include "fixture/ProviderFixture.h"
-
 #include "cmpicpp/CmpiStatus.h"
+#include "fixture/ProviderFixture.h"
 
 #include <functional>
 
@@ -39,17 +38,14 @@ protected:
             const Reply reply = operation(ask);
             const bool fired = broker.faultFired();
             broker.failAfter(0, CMPI_RC_OK);
-            if (!fired)
-                break;
+            if (!fired) break;
             if (reply.rc == CMPI_RC_OK)
                 expectSame(reply, good, n);
             else
                 ++errors;
-            if (n % 7 == 0)
-                expectSame(operation(ask), good, n); // the next request works
+            if (n % 7 == 0) expectSame(operation(ask), good, n); // the next request works
             EXPECT_TRUE(broker.statistics().lifetimesClean()) << "fault " << n;
-            if (HasFailure())
-                break;
+            if (HasFailure()) break;
         }
         expectSame(operation(ask), good, 0);
         return errors;
@@ -87,8 +83,7 @@ TEST_P(BrokerFault, DuringConstructionLeavesNothingBehind)
         }
         const bool fired = broker.faultFired();
         broker.failAfter(0, CMPI_RC_OK);
-        if (!fired)
-            break;
+        if (!fired) break;
         dropProvider();
     }
     EXPECT_GT(errors, 0u);
@@ -100,12 +95,10 @@ TEST_P(BrokerFault, DuringEnumerationOfEveryClass)
     makeProvider();
     for (const auto& declared : broker.repository().findNamespace("root/vnr")->classes()) {
         const std::string name(declared->name());
-        if (name.compare(0, 4, "KDV_") != 0 || requests().instanceNames(name.c_str()).paths.empty())
-            continue;
+        if (name.compare(0, 4, "KDV_") != 0 || requests().instanceNames(name.c_str()).paths.empty()) continue;
         EXPECT_GT(tryEveryFault([&](const Requests& ask) { return ask.instances(name.c_str()); }), 0u) << name;
         EXPECT_GT(tryEveryFault([&](const Requests& ask) { return ask.instanceNames(name.c_str()); }), 0u) << name;
-        if (HasFailure())
-            break;
+        if (HasFailure()) break;
     }
 }
 

@@ -26,10 +26,12 @@ Field fieldOf(Record* record, std::size_t offset, bool isText)
 }
 
 #define KDV_FIELD(object, Record, name)                                                                                \
-    {#object "." #name, [](GivenRecords& given) {                                                                      \
+    {                                                                                                                  \
+#object "." #name, [](GivenRecords& given) {                                                                      \
          using Type = decltype(Record::name);                                                                          \
          return fieldOf<Record, Type>(given.object, offsetof(Record, name), std::is_array_v<Type>);                    \
-     }}
+     }    \
+    }
 
 const Fields& fields()
 {
@@ -107,8 +109,7 @@ std::string unquoted(const GoldenSetting& setting)
         throw std::runtime_error(setting.field + ": a text is quoted");
     std::string text;
     for (std::size_t i = 1; i + 1 < value.size(); ++i) {
-        if (value[i] == '\\')
-            ++i;
+        if (value[i] == '\\') ++i;
         text += value[i];
     }
     return text;
@@ -118,19 +119,16 @@ std::string unquoted(const GoldenSetting& setting)
 void setText(const Field& field, const GoldenSetting& setting)
 {
     const std::string text = unquoted(setting);
-    if (text.size() > field.size)
-        throw std::runtime_error(setting.field + ": the text does not fit");
+    if (text.size() > field.size) throw std::runtime_error(setting.field + ": the text does not fit");
     std::memcpy(field.bytes, text.data(), text.size());
-    if (text.size() < field.size)
-        field.bytes[text.size()] = 0;
+    if (text.size() < field.size) field.bytes[text.size()] = 0;
 }
 
 void setNumber(const Field& field, const GoldenSetting& setting)
 {
     const long long number = std::stoll(setting.value);
     const long long most = (1ll << 8 * field.size) - 1;
-    if (number < -most / 2 - 1 || number > most)
-        throw std::runtime_error(setting.field + ": the number does not fit");
+    if (number < -most / 2 - 1 || number > most) throw std::runtime_error(setting.field + ": the number does not fit");
     for (std::size_t i = 0; i < field.size; ++i)
         field.bytes[i] = static_cast<unsigned char>(number >> 8 * i);
 }
@@ -171,8 +169,7 @@ void GivenRecords::set(const GoldenSetting& setting)
         setAdapters(setting.value);
     else {
         const auto found = fields().find(setting.field);
-        if (found == fields().end())
-            throw std::runtime_error("no field " + setting.field);
+        if (found == fields().end()) throw std::runtime_error("no field " + setting.field);
         const Field field = found->second(*this);
         (field.isText ? setText : setNumber)(field, setting);
     }

@@ -2,7 +2,6 @@
 #include "GivenRecords.h"
 #include "PublishedClasses.h"
 #include "RowsFile.h"
-
 #include "broker/Broker.h"
 #include "broker/CollectingSink.h"
 #include "broker/InstanceObject.h"
@@ -10,11 +9,11 @@
 #include "common/KDVUtil.h"
 #include "harness/Schema.h"
 
-#include <gtest/gtest.h>
-#include <nlohmann/json.hpp>
-
 #include <fstream>
 #include <set>
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 
 namespace KDV::Test {
 namespace {
@@ -25,8 +24,7 @@ using namespace Host;
 std::vector<GoldenCase> casesOf(const std::string& className)
 {
     std::ifstream file(KDV_SOURCE_DIR "/tests/golden/instances/" + className + ".rows");
-    if (!file)
-        throw std::runtime_error("no expected table for " + className);
+    if (!file) throw std::runtime_error("no expected table for " + className);
     return readRows(file, className + ".rows");
 }
 
@@ -43,8 +41,7 @@ std::string linesSet(const CollectedInstance& instance)
 {
     std::string text;
     for (const CollectedProperty& property : instance.properties)
-        if (!property.preset)
-            text += property.type + " " + property.name + " " + property.value + "\n";
+        if (!property.preset) text += property.type + " " + property.name + " " + property.value + "\n";
     return text;
 }
 
@@ -121,8 +118,7 @@ TEST(GoldenTables, ExistForEveryInstanceClassOfTheSchema)
     std::size_t found = 0;
     for (const auto& declared : schema().findNamespace("root/vnr")->classes()) {
         const std::string& name = declared->name();
-        if (name.rfind("KDV_", 0) != 0 || declared->isAssociation() || elsewhere.count(name) != 0)
-            continue;
+        if (name.rfind("KDV_", 0) != 0 || declared->isAssociation() || elsewhere.count(name) != 0) continue;
         ++found;
         EXPECT_EQ(tested.count(name), 1u) << name;
         EXPECT_FALSE(casesOf(name).front().rows.empty()) << name;

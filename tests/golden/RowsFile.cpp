@@ -14,8 +14,7 @@ public:
     {
         ++_number;
         const std::size_t begin = text.find_first_not_of(' ');
-        if (begin == std::string::npos || text[begin] == '#')
-            return;
+        if (begin == std::string::npos || text[begin] == '#') return;
         if (begin == 0)
             heading(text);
         else
@@ -37,16 +36,14 @@ private:
     }
     void check(bool good, const std::string& what) const
     {
-        if (!good)
-            fail(what);
+        if (!good) fail(what);
     }
 
     void heading(const std::string& text)
     {
         if (text == "given" || text == "keys" || text == "rows") {
             check(_cases.size() <= 1, text + " after the first case");
-            if (_cases.empty())
-                _cases.push_back({_fileName, {}, {}, {}, {}});
+            if (_cases.empty()) _cases.push_back({_fileName, {}, {}, {}, {}});
             _section = text == "given" ? Section::given : text == "keys" ? Section::keys : Section::rows;
             return;
         }
@@ -67,11 +64,20 @@ private:
     void content(const std::string& text)
     {
         switch (_section) {
-        case Section::given: addSettings(_cases[0].before, text); break;
-        case Section::keys: _cases[0].keys.push_back(row(text)); break;
-        case Section::rows: _cases[0].rows.push_back(row(text)); break;
-        case Section::change: change(text); break;
-        case Section::none: fail("a row without a heading");
+        case Section::given:
+            addSettings(_cases[0].before, text);
+            break;
+        case Section::keys:
+            _cases[0].keys.push_back(row(text));
+            break;
+        case Section::rows:
+            _cases[0].rows.push_back(row(text));
+            break;
+        case Section::change:
+            change(text);
+            break;
+        case Section::none:
+            fail("a row without a heading");
         }
     }
 
@@ -79,8 +85,7 @@ private:
     {
         _changed = true;
         GoldenCase& golden = _cases.back();
-        if (text == "same")
-            return;
+        if (text == "same") return;
         if (text.rfind("absent ", 0) == 0) {
             golden.rows.erase(find(golden.rows, text.substr(7)));
             return;
@@ -115,10 +120,8 @@ private:
         std::size_t begin = 0;
         bool quoted = false;
         for (std::size_t i = 0; i <= text.size(); ++i) {
-            if (i < text.size() && text[i] == '"' && (i == 0 || text[i - 1] != '\\'))
-                quoted = !quoted;
-            if (i < text.size() && (quoted || text[i] != ';'))
-                continue;
+            if (i < text.size() && text[i] == '"' && (i == 0 || text[i - 1] != '\\')) quoted = !quoted;
+            if (i < text.size() && (quoted || text[i] != ';')) continue;
             const std::size_t from = text.find_first_not_of(' ', begin);
             const std::size_t blank = text.find(' ', from);
             check(blank != std::string::npos && blank + 1 < i, "expected a field and its value");

@@ -1,9 +1,9 @@
 #include "RowsFile.h"
 
-#include <gtest/gtest.h>
-
 #include <sstream>
 #include <stdexcept>
+
+#include <gtest/gtest.h>
 
 namespace KDV::Test {
 namespace {
@@ -37,9 +37,9 @@ TEST(RowsFile, RefusesWhatWouldTestNothing)
 {
     for (const char* text : {"", "given\n  a.b 1\n", "rows\n  string Name \"a\"\nwhen a.b 1\n  same\n"})
         EXPECT_THROW(read(text), std::runtime_error) << text;
-    for (const char* more : {"", "when a.b 1\n", "when a.b 1\n  string Name \"a; b\"\n", "when a.b 1\n  absent Other\n",
-                             "when a.b 1\n  uint32 Name 5\n", "when a.b\n  same\n", "if a.b 1\n  same\n",
-                             "when a.b 1\n  string Name\n"})
+    for (const char* more :
+         {"", "when a.b 1\n", "when a.b 1\n  string Name \"a; b\"\n", "when a.b 1\n  absent Other\n",
+          "when a.b 1\n  uint32 Name 5\n", "when a.b\n  same\n", "if a.b 1\n  same\n", "when a.b 1\n  string Name\n"})
         EXPECT_THROW(read(base + more), std::runtime_error) << more;
 }
 

@@ -44,7 +44,8 @@ class Session : public std::enable_shared_from_this<Session> {
 public:
     Session(tcp::socket socket, const Listener::OnIndication& onIndication)
         : _stream(std::move(socket)), _onIndication(onIndication)
-    {}
+    {
+    }
 
     void read()
     {

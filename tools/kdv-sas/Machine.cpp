@@ -14,7 +14,8 @@ using Links = std::multimap<std::string, std::string>;
 class Reader {
 public:
     Reader(Cim::Connection& connection, const std::string& nameSpace) : _connection(connection), _nameSpace(nameSpace)
-    {}
+    {
+    }
 
     std::vector<Instance> instances(const char* className)
     {

@@ -32,7 +32,8 @@ Broker::Tables::Tables(Profile profile)
       dateTime(dateTimeTable(profile)), path(pathTable(profile)), instance(instanceTable(profile)),
       args(argsTable(profile)), context(contextTable(profile)), enumeration(enumerationTable(profile)),
       selectExp(selectExpTable(profile)), error(errorTable(profile)), result(resultTable(profile))
-{}
+{
+}
 
 Broker::Tables::~Tables() = default;
 

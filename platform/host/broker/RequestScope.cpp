@@ -30,7 +30,8 @@ RequestScope::RequestScope(Broker& broker, std::string_view nameSpace)
 
 RequestScope::RequestScope(Broker& broker, OfThread)
     : _broker(broker), _counters(broker.sharedCounters()), _chained(false), _thread(std::this_thread::get_id())
-{}
+{
+}
 
 RequestScope::~RequestScope()
 {

@@ -132,7 +132,8 @@ ResultObject::ResultObject(Broker& broker, ResultSink& sink, ResultKind kind)
                                                          ObjectHead::mark,  ObjectKind::Result,
                                                          ObjectState::Lent, 0},
       _sink(&sink), _kind(kind)
-{}
+{
+}
 
 CMPIResultFT resultTable(Profile profile)
 {

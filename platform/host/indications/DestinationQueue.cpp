@@ -28,7 +28,8 @@ std::chrono::milliseconds retryPause(const RetryOptions& options, unsigned failu
 DestinationQueue::DestinationQueue(Setup setup, std::unique_ptr<ListenerConnection> connection, Logger log)
     : _setup(std::move(setup)), _connection(std::move(connection)), _log(log),
       _clock(_setup.clock ? *_setup.clock : _systemClock)
-{}
+{
+}
 
 DestinationQueue::~DestinationQueue()
 {

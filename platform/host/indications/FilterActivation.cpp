@@ -63,7 +63,8 @@ void mustPoll(Broker& broker, CMPIIndicationMI* table, const Parameters& with)
 
 FilterActivation::FilterActivation(Broker& broker, std::vector<IndicationRegistration> registrations, Logger log)
     : _broker(broker), _registrations(std::move(registrations)), _log(log)
-{}
+{
+}
 
 // Runs `function` as one provider call: a scope, the usual context, filter and path made for it.
 template <class Function>

@@ -99,8 +99,7 @@ void IndicationService::replace(const SubscriptionRecord& subscription)
     next.stateChanged = old->enabled == next.enabled ? old->stateChanged : now();
     const bool woken = next.enabled && _activated.count(next.key) == 0;
     if (woken)
-        if (const Outcome outcome = wake(next); outcome.rc != CMPI_RC_OK)
-            throw Refusal(outcome.rc, outcome.message);
+        if (const Outcome outcome = wake(next); outcome.rc != CMPI_RC_OK) throw Refusal(outcome.rc, outcome.message);
     try {
         _store.replace(next);
     } catch (...) {

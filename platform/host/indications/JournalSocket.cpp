@@ -11,7 +11,8 @@ namespace KDV::Host {
 
 JournalSocket::JournalSocket(std::string path)
     : _path(std::move(path)), _socket(::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0))
-{}
+{
+}
 
 JournalSocket::~JournalSocket()
 {

@@ -38,7 +38,8 @@ std::string named(const ElementKey& key) { return key.className + " \"" + key.na
 
 SubscriptionStore::SubscriptionStore(const std::filesystem::path& directory, StoreLimits limits, Logger log)
     : _file(directory / "indications.json"), _limits(limits), _log(log)
-{}
+{
+}
 
 void SubscriptionStore::addStatic(FilterRecord filter)
 {

@@ -10,7 +10,8 @@ class MofError : public std::runtime_error {
 public:
     MofError(const std::string& file, unsigned line, const std::string& what)
         : std::runtime_error(file + ":" + std::to_string(line) + ": " + what), _file(file), _line(line)
-    {}
+    {
+    }
     ~MofError() override;
 
     const std::string& file() const noexcept { return _file; }

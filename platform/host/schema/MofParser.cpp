@@ -4,7 +4,8 @@ namespace KDV::Host {
 
 MofParser::MofParser(std::string_view text, const std::string& file, ClassResolver& resolver, Include include)
     : _lexer(text, file), _resolver(resolver), _include(std::move(include))
-{}
+{
+}
 
 void MofParser::expected(const std::string& what) const
 {

@@ -19,7 +19,8 @@ struct Filters {
         : assocClass(references ? std::string() : className(call, "AssocClass")),
           resultClass(className(call, "ResultClass")), role(call.text("Role").value_or("")),
           resultRole(references ? std::string() : call.text("ResultRole").value_or(""))
-    {}
+    {
+    }
     static const char* orNull(const std::string& text) { return text.empty() ? nullptr : text.c_str(); }
 };
 

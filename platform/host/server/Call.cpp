@@ -21,7 +21,8 @@ Call::Call(const CimRequest& ofRequest, const Namespace& inNameSpace, RequestSco
            InstanceWriter& withWriter)
     : request(ofRequest), nameSpace(inNameSpace), scope(inScope), reply(toReply), writer(withWriter),
       context(inScope.context())
-{}
+{
+}
 
 void Call::allow(std::initializer_list<std::string_view> names) const
 {

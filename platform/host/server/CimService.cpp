@@ -40,7 +40,8 @@ bool isXmlType(const HttpRequest& request)
 CimService::CimService(Broker& broker, Router& router, const OperationTable& operations, std::string hostName)
     : _broker(broker), _router(router), _operations(operations), _fragments(broker.repository()),
       _hostName(std::move(hostName))
-{}
+{
+}
 
 CimService::~CimService() = default;
 

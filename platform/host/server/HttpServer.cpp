@@ -166,7 +166,8 @@ class Receiving {
 public:
     Receiving(Socket& socket, HttpRequestReader& reader, std::string& input, const ServerLimits& limits)
         : _socket(socket), _reader(reader), _input(input), _limits(limits)
-    {}
+    {
+    }
 
     // True at the end of the head, then at the end of the body; false if the peer is gone or was idle for too long.
     bool head()

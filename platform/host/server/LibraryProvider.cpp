@@ -26,7 +26,8 @@ Outcome outcomeOf(const CMPIStatus& status)
 LibraryProvider::LibraryProvider(Broker& broker, std::string name, const std::string& location,
                                  const std::string& directory)
     : _broker(broker), _name(std::move(name)), _module(location, directory)
-{}
+{
+}
 
 LibraryProvider::~LibraryProvider() = default;
 

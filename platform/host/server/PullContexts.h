@@ -28,7 +28,8 @@ class PullContext {
 public:
     PullContext(PullKind ofKind, std::string inNameSpace, std::size_t memory)
         : kind(ofKind), nameSpace(std::move(inNameSpace)), _store(memory)
-    {}
+    {
+    }
     const PullKind kind;
     const std::string nameSpace;
 

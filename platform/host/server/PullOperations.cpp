@@ -13,7 +13,8 @@ class OpenSink : public ResultSink {
 public:
     OpenSink(Call& call, PullKind kind, std::uint64_t first, const PullLimits& limits)
         : _call(call), _kind(kind), _left(first), _limits(limits)
-    {}
+    {
+    }
     bool instance(const InstanceObject& instance) override
     {
         return _kind == PullKind::InstancesWithPath && add([&] { _call.writer.instanceWithPath(instance); });

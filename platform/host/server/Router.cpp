@@ -15,7 +15,8 @@ class OwnClassSink : public ResultSink {
 public:
     OwnClassSink(ResultSink& sink, const ProviderTable& providers, const ClassInfo& asked)
         : _sink(sink), _providers(providers), _asked(asked)
-    {}
+    {
+    }
     bool instance(const InstanceObject& instance) override
     {
         return isElsewhere(instance.classInfo) || _sink.instance(instance);

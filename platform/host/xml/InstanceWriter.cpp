@@ -38,7 +38,8 @@ bool PropertySelection::has(const ClassInfo* classInfo, const PropertyInfo& prop
 InstanceWriter::InstanceWriter(ReplyBuffer& out, FragmentCache& fragments, std::string_view host,
                                std::string_view nameSpace)
     : _out(out), _fragments(fragments), _host(host), _nameSpace(nameSpace)
-{}
+{
+}
 
 const ClassFragments* InstanceWriter::fragmentsOf(const ClassInfo* classInfo)
 {

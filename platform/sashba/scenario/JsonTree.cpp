@@ -36,7 +36,8 @@ class TreeBuilder final : public nlohmann::json_sax<nlohmann::json> {
 public:
     TreeBuilder(std::string_view text, std::pmr::memory_resource& memory, JsonNode& root, Problems& problems)
         : _text(text), _memory(memory), _root(root), _problems(problems)
-    {}
+    {
+    }
 
     bool null() override { return put(std::monostate()); }
     bool boolean(bool flag) override { return put(flag); }

@@ -9,7 +9,8 @@ namespace KDV {
 
 ScenarioSource::ScenarioSource(std::string path, ScenarioSurroundings surroundings)
     : _file(std::move(path)), _surroundings(std::move(surroundings))
-{}
+{
+}
 
 ScenarioSource::~ScenarioSource() = default;
 

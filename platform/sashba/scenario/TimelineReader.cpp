@@ -34,7 +34,8 @@ std::string namesOf(std::initializer_list<std::string_view> names)
 
 TimelineReader::TimelineReader(Problems& problems, Scenario& scenario)
     : _problems(problems), _scenario(scenario), _elements(problems), _fields(problems)
-{}
+{
+}
 
 void TimelineReader::read(const JsonNode& root)
 {

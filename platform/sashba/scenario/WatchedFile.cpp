@@ -17,7 +17,8 @@ namespace {
 class OpenFile {
 public:
     explicit OpenFile(const std::string& path) : _file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY))
-    {}
+    {
+    }
     ~OpenFile()
     {
         if (_file >= 0) close(_file);

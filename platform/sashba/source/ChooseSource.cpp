@@ -13,7 +13,6 @@
 #include <cstdlib>
 #include <memory_resource>
 #include <string_view>
-
 #include <unistd.h>
 
 namespace KDV {
@@ -36,10 +35,8 @@ void readSeconds(const JsonMember& member, std::chrono::milliseconds& value, Pro
     constexpr std::uint64_t most = 86400;
     std::uint64_t seconds = 0;
     const std::string place = "/" + std::string(member.name);
-    if (!FieldReader(problems).readNumber(member.node, place, most, seconds))
-        return;
-    if (seconds == 0)
-        problems.add(place, "expected at least 1 second");
+    if (!FieldReader(problems).readNumber(member.node, place, most, seconds)) return;
+    if (seconds == 0) problems.add(place, "expected at least 1 second");
     value = std::chrono::seconds(seconds);
 }
 
@@ -52,8 +49,8 @@ void readMember(const JsonMember& member, Configuration& configuration, Problems
     else if (member.name == "deviceDeadlineSeconds")
         readSeconds(member, configuration.live.asking.deadline, problems);
     else if (member.name != "scenario")
-        FieldReader(problems).refuseUnknown(
-            "", member.name, {"scenario", "diskPollSeconds", "boxPollSeconds", "deviceDeadlineSeconds"});
+        FieldReader(problems).refuseUnknown("", member.name,
+                                            {"scenario", "diskPollSeconds", "boxPollSeconds", "deviceDeadlineSeconds"});
     else if (member.node.text() && !member.node.text()->empty())
         configuration.scenario = *member.node.text();
     else
@@ -64,8 +61,7 @@ void readText(std::string_view text, Configuration& configuration, Problems& pro
 {
     std::pmr::monotonic_buffer_resource memory;
     JsonNode root;
-    if (!parseJson(text, memory, root, problems))
-        return;
+    if (!parseJson(text, memory, root, problems)) return;
     if (!root.object()) {
         problems.add("", "expected an object, found " + root.description());
         return;
@@ -78,8 +74,7 @@ void readText(std::string_view text, Configuration& configuration, Problems& pro
 bool readConfiguration(const std::string& directory, const Logger& log, Configuration& configuration)
 {
     const std::string path = directory + "KDVSasHbaMRA.json";
-    if (access(path.c_str(), F_OK) != 0 && errno == ENOENT)
-        return true;
+    if (access(path.c_str(), F_OK) != 0 && errno == ENOENT) return true;
     WatchedFile file(path);
     if (file.look() != WatchedFile::Sight::NewText) {
         log.error("configuration %s: expected a readable file: %s", path.c_str(), file.trouble().c_str());
@@ -116,10 +111,8 @@ std::unique_ptr<Source> runningMachine(const SysfsSettings& settings, const Logg
 std::string configurationDirectory()
 {
     std::string directory = environment("KDV_CONFIG_DIR");
-    if (directory.empty())
-        directory = "/etc/cim/zt-kdv/";
-    if (directory.back() != '/')
-        directory += '/';
+    if (directory.empty()) directory = "/etc/cim/zt-kdv/";
+    if (directory.back() != '/') directory += '/';
     return directory;
 }
 
@@ -127,10 +120,8 @@ std::unique_ptr<Source> chooseSource(const Logger& log)
 {
     Configuration configuration;
     const std::string scenario = environment("KDV_SAS_SCENARIO");
-    if (!scenario.empty())
-        return std::make_unique<ScenarioSource>(scenario, surroundingsWith(log));
-    if (!readConfiguration(configurationDirectory(), log, configuration))
-        return nullptr;
+    if (!scenario.empty()) return std::make_unique<ScenarioSource>(scenario, surroundingsWith(log));
+    if (!readConfiguration(configurationDirectory(), log, configuration)) return nullptr;
     if (!configuration.scenario.empty())
         return std::make_unique<ScenarioSource>(configuration.scenario, surroundingsWith(log));
     return runningMachine(configuration.live, log);

@@ -20,7 +20,8 @@ constexpr std::uint8_t exceptionsPage = 0x2F;
 class LogPages {
 public:
     explicit LogPages(DeviceLink& link) : _link(link), _supported(parseSupportedLogPages(ByteView(link.logPage(0x00))))
-    {}
+    {
+    }
 
     std::string operator()(std::uint8_t code) const
     {
@@ -43,8 +44,7 @@ void readHealthPages(DeviceLink& link, bool spins, DeviceAnswer& answer)
     if (const auto minutes = parsePowerOnMinutes(ByteView(page(backgroundScanPage))))
         answer.powerOnHours = *minutes / 60;
     if (!spins) {
-        if (const auto used = parseEnduranceUsed(ByteView(page(solidStatePage))))
-            answer.enduranceUsed = *used;
+        if (const auto used = parseEnduranceUsed(ByteView(page(solidStatePage)))) answer.enduranceUsed = *used;
     }
 }
 
@@ -53,16 +53,11 @@ void readHealthPages(DeviceLink& link, bool spins, DeviceAnswer& answer)
 void takeSmartctl(const std::string& output, DeviceAnswer& answer)
 {
     const std::optional<SmartctlReport> report = parseSmartctlOutput(output);
-    if (!report)
-        return;
-    if (report->asleep)
-        answer.readiness = Readiness::Asleep;
-    if (report->passed)
-        answer.failurePredicted = answer.failurePredicted.value_or(false) || !*report->passed;
-    if (!answer.powerOnHours)
-        answer.powerOnHours = report->powerOnHours;
-    if (!answer.enduranceUsed)
-        answer.enduranceUsed = report->enduranceUsed;
+    if (!report) return;
+    if (report->asleep) answer.readiness = Readiness::Asleep;
+    if (report->passed) answer.failurePredicted = answer.failurePredicted.value_or(false) || !*report->passed;
+    if (!answer.powerOnHours) answer.powerOnHours = report->powerOnHours;
+    if (!answer.enduranceUsed) answer.enduranceUsed = report->enduranceUsed;
     answer.rotation = report->rotation;
     answer.serial = report->serial;
     answer.firmware = report->firmware;
@@ -70,11 +65,9 @@ void takeSmartctl(const std::string& output, DeviceAnswer& answer)
 
 void askDisk(const AskedDevice& device, DeviceLink& link, DeviceAnswer& answer)
 {
-    if (answer.readiness != Readiness::Ready)
-        return; // nothing that might wake or trouble it
+    if (answer.readiness != Readiness::Ready) return; // nothing that might wake or trouble it
     readHealthPages(link, device.spins, answer);
-    if (device.transport != Transport::Sas || !answer.failurePredicted)
-        takeSmartctl(link.smartctlOutput(), answer);
+    if (device.transport != Transport::Sas || !answer.failurePredicted) takeSmartctl(link.smartctlOutput(), answer);
 }
 
 void askEnclosure(const AskedDevice& device, DeviceLink* link, const SysfsTree& tree, DeviceAnswer& answer)
@@ -85,17 +78,15 @@ void askEnclosure(const AskedDevice& device, DeviceLink* link, const SysfsTree& 
             const std::string status = link->enclosurePage(0x02);
             const std::string descriptors = link->enclosurePage(0x07);
             const std::string additional = link->enclosurePage(0x0A);
-            answer.enclosure = enclosureState(ByteView(configuration), ByteView(status), ByteView(descriptors),
-                                              ByteView(additional));
+            answer.enclosure =
+                enclosureState(ByteView(configuration), ByteView(status), ByteView(descriptors), ByteView(additional));
         }
     }
-    if (device.enclosure.empty())
-        return;
+    if (device.enclosure.empty()) return;
     for (const std::string& name : tree.names(device.enclosure)) {
         const std::string slot = device.enclosure + "/" + name;
         std::string status = tree.text(slot + "/status");
-        if (!status.empty())
-            answer.slots[slot] = {std::move(status), tree.number(slot + "/fault")};
+        if (!status.empty()) answer.slots[slot] = {std::move(status), tree.number(slot + "/fault")};
     }
 }
 
@@ -119,19 +110,14 @@ DeviceAnswer askDevice(const AskedDevice& device, DeviceOpener& opener, const Sy
     }
     ReadyReply reply;
     const std::unique_ptr<DeviceLink> link = opener.open(device, deadline, reply);
-    if (link)
-        reply = link->testUnitReady();
+    if (link) reply = link->testUnitReady();
     answer.readiness = reply.readiness;
     answer.denied = reply.denied;
     answer.hung = reply.timedOut;
-    if (reply.failurePredicted)
-        answer.failurePredicted = true;
-    if (answer.hung)
-        return answer;
-    if (device.kind == AskedKind::Disk && link)
-        askDisk(device, *link, answer);
-    if (device.kind == AskedKind::Enclosure)
-        askEnclosure(device, link.get(), tree, answer);
+    if (reply.failurePredicted) answer.failurePredicted = true;
+    if (answer.hung) return answer;
+    if (device.kind == AskedKind::Disk && link) askDisk(device, *link, answer);
+    if (device.kind == AskedKind::Enclosure) askEnclosure(device, link.get(), tree, answer);
     return answer;
 }
 

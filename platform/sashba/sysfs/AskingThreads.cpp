@@ -5,11 +5,10 @@
 #include <exception>
 #include <map>
 #include <mutex>
-#include <thread>
-#include <utility>
-
 #include <pthread.h>
 #include <signal.h>
+#include <thread>
+#include <utility>
 
 namespace KDV {
 namespace {
@@ -22,8 +21,8 @@ struct Asked {
     AskedDevice device;
     Clock::time_point due = Clock::now();
     Clock::time_point begun;
-    std::uint64_t ticket = 0;  // of the worker that asks it now; 0 none
-    bool writtenOff = false;   // that worker has passed the deadline
+    std::uint64_t ticket = 0; // of the worker that asks it now; 0 none
+    bool writtenOff = false;  // that worker has passed the deadline
     bool hangReported = false;
     std::shared_ptr<const DeviceAnswer> answer;
 };
@@ -41,7 +40,7 @@ struct AskingThreads::State {
     mutable std::condition_variable changed;
     std::map<std::string, std::shared_ptr<Asked>> devices;
     std::uint64_t lastTicket = 0;
-    std::size_t workers = 0;    // at work and in time
+    std::size_t workers = 0; // at work and in time
     std::size_t writtenOff = 0;
     bool deniedReported = false;
     bool ending = false;
@@ -79,8 +78,7 @@ void work(std::shared_ptr<State> state) // NOLINT(performance-unnecessary-value-
     std::unique_lock<std::mutex> guard(state->lock);
     while (!state->ending) {
         const std::shared_ptr<Asked> asked = state->takeDue();
-        if (!asked)
-            break;
+        if (!asked) break;
         const std::uint64_t ticket = asked->ticket;
         const AskedDevice device = asked->device;
         guard.unlock();
@@ -93,8 +91,7 @@ void work(std::shared_ptr<State> state) // NOLINT(performance-unnecessary-value-
         guard.lock();
         const bool tooLate = asked->ticket == ticket && asked->writtenOff;
         state->finish(asked, ticket, std::move(answer));
-        if (tooLate)
-            return; // another one works in its place
+        if (tooLate) return; // another one works in its place
     }
     --state->workers;
     state->changed.notify_all();
@@ -124,8 +121,7 @@ std::shared_ptr<Asked> AskingThreads::State::takeDue()
     const Clock::time_point now = Clock::now();
     std::shared_ptr<Asked> first;
     for (const auto& [key, asked] : devices) {
-        if (asked->ticket == 0 && asked->due <= now && (!first || asked->due < first->due))
-            first = asked;
+        if (asked->ticket == 0 && asked->due <= now && (!first || asked->due < first->due)) first = asked;
     }
     if (first) {
         first->ticket = ++lastTicket;
@@ -137,10 +133,8 @@ std::shared_ptr<Asked> AskingThreads::State::takeDue()
 
 void AskingThreads::State::finish(const std::shared_ptr<Asked>& asked, std::uint64_t ticket, DeviceAnswer answer)
 {
-    if (asked->ticket != ticket)
-        return;
-    if (asked->writtenOff)
-        --writtenOff;
+    if (asked->ticket != ticket) return;
+    if (asked->writtenOff) --writtenOff;
     asked->ticket = 0;
     asked->writtenOff = false;
     const bool slow = asked->device.kind == AskedKind::Disk;
@@ -213,8 +207,7 @@ AskingThreads::AskingThreads(std::shared_ptr<const SysfsTree> tree, std::shared_
     _state->settings = settings;
     _state->reportError = std::move(reportError);
     _state->reportInfo = std::move(reportInfo);
-    if (!startThread(keep, _state))
-        _state->reportError("no thread to ask devices with: their statuses stay unknown");
+    if (!startThread(keep, _state)) _state->reportError("no thread to ask devices with: their statuses stay unknown");
 }
 
 AskingThreads::~AskingThreads()
@@ -245,8 +238,7 @@ void AskingThreads::setDevices(std::vector<AskedDevice> devices)
             next.emplace(key, asked); // until its worker is back or late
     }
     _state->devices = std::move(next);
-    if (news)
-        _state->changed.notify_all();
+    if (news) _state->changed.notify_all();
 }
 
 DeviceAnswers AskingThreads::answers() const
@@ -254,8 +246,7 @@ DeviceAnswers AskingThreads::answers() const
     const std::lock_guard<std::mutex> guard(_state->lock);
     DeviceAnswers answers;
     for (const auto& [key, asked] : _state->devices) {
-        if (asked->answer)
-            answers.emplace(key, asked->answer);
+        if (asked->answer) answers.emplace(key, asked->answer);
     }
     return answers;
 }
@@ -265,8 +256,7 @@ bool AskingThreads::waitForAll(std::chrono::milliseconds atMost) const
     std::unique_lock<std::mutex> guard(_state->lock);
     return _state->changed.wait_for(guard, atMost, [this] {
         for (const auto& [key, asked] : _state->devices) {
-            if (!asked->answer)
-                return false;
+            if (!asked->answer) return false;
         }
         return true;
     });

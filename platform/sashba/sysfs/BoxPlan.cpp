@@ -1,8 +1,8 @@
 #include "sashba/sysfs/BoxPlan.h"
 
+#include "sashba/sysfs/DevicePath.h"
 #include "sashba/sysfs/DeviceReader.h"
 #include "sashba/sysfs/DeviceText.h"
-#include "sashba/sysfs/DevicePath.h"
 
 #include <algorithm>
 #include <limits>
@@ -13,8 +13,7 @@ namespace {
 BoxPlan& boxNamed(std::vector<BoxPlan>& boxes, const std::string& key)
 {
     for (BoxPlan& box : boxes) {
-        if (box.key == key)
-            return box;
+        if (box.key == key) return box;
     }
     boxes.emplace_back();
     boxes.back().key = key;
@@ -23,8 +22,7 @@ BoxPlan& boxNamed(std::vector<BoxPlan>& boxes, const std::string& key)
 
 void fillIfEmpty(std::string& text, const std::string& value)
 {
-    if (text.empty())
-        text = value;
+    if (text.empty()) text = value;
 }
 
 const DeviceAnswer* answerOf(const ScsiDevice& device, const DeviceAnswers& answers)
@@ -42,8 +40,7 @@ void addProcessor(const LiveMachine& machine, const ScsiDevice& device, const De
     const DeviceAnswer* answer = answerOf(device, answers);
     const EnclosureState* state = answer && answer->enclosure ? &*answer->enclosure : nullptr;
     std::uint64_t id = entry != machine.enclosures.end() ? entry->id : 0;
-    if (id == 0)
-        id = device.enclosureIdentifier != 0 ? device.enclosureIdentifier : naaOf(device.wwid);
+    if (id == 0) id = device.enclosureIdentifier != 0 ? device.enclosureIdentifier : naaOf(device.wwid);
     const std::string identity = diskIdentity(device);
     BoxPlan& box = boxNamed(boxes, id != 0 ? "enclosure " + hex16(id)
                                            : "processor " + (identity.empty() ? device.path : identity));
@@ -56,22 +53,18 @@ void addProcessor(const LiveMachine& machine, const ScsiDevice& device, const De
                                                                             : portName(device.hbaPort, tree));
     if (!box.wish && device.pathInfo && device.pathInfo->box && *device.pathInfo->box <= 254)
         box.wish = static_cast<std::uint8_t>(*device.pathInfo->box);
-    if (!device.expander.empty())
-        box.expanders.push_back(device.expander);
+    if (!device.expander.empty()) box.expanders.push_back(device.expander);
     if (entry != machine.enclosures.end()) {
         box.enclosures.push_back(entry->path);
-        if (!box.bays)
-            box.bays = entry->components;
+        if (!box.bays) box.bays = entry->components;
     }
-    if (!answer)
-        return;
+    if (!answer) return;
     box.hung = box.hung || answer->hung;
     for (const auto& [directory, slot] : answer->slots)
         box.slotStates.push_back(&slot);
     if (state && !box.state) {
         box.state = state;
-        if (!box.bays)
-            box.bays = state->bays;
+        if (!box.bays) box.bays = state->bays;
     }
 }
 
@@ -85,8 +78,7 @@ bool hasExpander(const std::vector<BoxPlan>& boxes, const std::string& expander)
 void addExpanders(const LiveMachine& machine, const LiveHba& hba, const SysfsTree& tree, std::vector<BoxPlan>& boxes)
 {
     for (const LiveExpander& expander : machine.expanders) {
-        if (expander.host != hba.host || hasExpander(boxes, expander.path))
-            continue;
+        if (expander.host != hba.host || hasExpander(boxes, expander.path)) continue;
         const std::string key = expander.sasAddress != 0 ? hex16(expander.sasAddress) : expander.path;
         BoxPlan& box = boxNamed(boxes, "expander " + key);
         box.id = expander.sasAddress;
@@ -102,11 +94,9 @@ void addExpanders(const LiveMachine& machine, const LiveHba& hba, const SysfsTre
 void addNamedBoxes(const LiveMachine& machine, const LiveHba& hba, std::vector<BoxPlan>& boxes)
 {
     for (const ScsiDevice& device : machine.devices) {
-        if (device.address.host != hba.host || !device.isDisk() || !device.pathInfo || !device.pathInfo->box)
-            continue;
+        if (device.address.host != hba.host || !device.isDisk() || !device.pathInfo || !device.pathInfo->box) continue;
         const std::uint64_t number = *device.pathInfo->box;
-        if (number == 0 || number > 254 || placeOf(device, boxes))
-            continue;
+        if (number == 0 || number > 254 || placeOf(device, boxes)) continue;
         BoxPlan& box = boxNamed(boxes, "box " + std::to_string(number));
         box.wish = static_cast<std::uint8_t>(number);
         fillIfEmpty(box.port, device.pathInfo->port);
@@ -117,16 +107,13 @@ void addNamedBoxes(const LiveMachine& machine, const LiveHba& hba, std::vector<B
 void takeWishes(const LiveMachine& machine, const LiveHba& hba, std::vector<BoxPlan>& boxes)
 {
     for (const ScsiDevice& device : machine.devices) {
-        if (device.address.host != hba.host || !device.isDisk() || !device.pathInfo || !device.pathInfo->box)
-            continue;
+        if (device.address.host != hba.host || !device.isDisk() || !device.pathInfo || !device.pathInfo->box) continue;
         const std::uint64_t number = *device.pathInfo->box;
         const std::optional<BoxPlace> place = placeOf(device, boxes);
-        if (!place || boxes[place->box].wish || number == 0 || number > 254)
-            continue;
+        if (!place || boxes[place->box].wish || number == 0 || number > 254) continue;
         BoxPlan& box = boxes[place->box];
         box.wish = static_cast<std::uint8_t>(number);
-        if (!device.pathInfo->port.empty())
-            box.port = device.pathInfo->port;
+        if (!device.pathInfo->port.empty()) box.port = device.pathInfo->port;
     }
 }
 
@@ -142,15 +129,11 @@ std::uint64_t levelOf(const BoxPlan& box, const LiveMachine& machine)
 
 } // namespace
 
-std::string askingKey(const ScsiDevice& device)
-{
-    return device.path + '#' + std::to_string(device.identity);
-}
+std::string askingKey(const ScsiDevice& device) { return device.path + '#' + std::to_string(device.identity); }
 
 std::string portName(const std::string& hbaPort, const SysfsTree& tree)
 {
-    if (hbaPort.empty())
-        return {};
+    if (hbaPort.empty()) return {};
     for (const std::string& name : tree.names(hbaPort)) {
         const std::size_t colon = name.rfind(':');
         if (name.compare(0, 4, "phy-") == 0 && colon != std::string::npos)
@@ -170,13 +153,11 @@ std::optional<BoxPlace> placeOf(const ScsiDevice& disk, const std::vector<BoxPla
         const std::size_t box = where([&enclosure](const BoxPlan& plan) {
             return std::find(plan.enclosures.begin(), plan.enclosures.end(), enclosure) != plan.enclosures.end();
         });
-        if (box < boxes.size())
-            return BoxPlace{box, disk.slot ? disk.slot : disk.bay};
+        if (box < boxes.size()) return BoxPlace{box, disk.slot ? disk.slot : disk.bay};
     }
     if (disk.enclosureIdentifier != 0) {
         const std::size_t box = where([&disk](const BoxPlan& plan) { return plan.id == disk.enclosureIdentifier; });
-        if (box < boxes.size())
-            return BoxPlace{box, disk.bay};
+        if (box < boxes.size()) return BoxPlace{box, disk.bay};
     }
     for (std::size_t box = 0; box < boxes.size() && disk.sasAddress != 0; ++box) {
         if (const SlotHealth* slot = slotHealthOf(disk, boxes[box]))
@@ -186,24 +167,21 @@ std::optional<BoxPlace> placeOf(const ScsiDevice& disk, const std::vector<BoxPla
         const std::size_t box = where([&disk](const BoxPlan& plan) {
             return std::find(plan.expanders.begin(), plan.expanders.end(), disk.expander) != plan.expanders.end();
         });
-        if (box < boxes.size())
-            return BoxPlace{box, disk.enclosureIdentifier != 0 && disk.bay ? disk.bay : disk.phy};
+        if (box < boxes.size()) return BoxPlace{box, disk.enclosureIdentifier != 0 && disk.bay ? disk.bay : disk.phy};
     }
     if (disk.pathInfo && disk.pathInfo->box) {
         const std::string key = "box " + std::to_string(*disk.pathInfo->box);
         const std::size_t box = where([&key, &disk](const BoxPlan& plan) {
             return plan.key == key || (plan.wish && *plan.wish == *disk.pathInfo->box);
         });
-        if (box < boxes.size())
-            return BoxPlace{box, disk.pathInfo->bay};
+        if (box < boxes.size()) return BoxPlace{box, disk.pathInfo->bay};
     }
     return std::nullopt;
 }
 
 const SlotHealth* slotHealthOf(const ScsiDevice& disk, const BoxPlan& box)
 {
-    if (!box.state || disk.sasAddress == 0)
-        return nullptr;
+    if (!box.state || disk.sasAddress == 0) return nullptr;
     for (const SlotHealth& slot : box.state->slots) {
         if (std::find(slot.sasAddresses.begin(), slot.sasAddresses.end(), disk.sasAddress) != slot.sasAddresses.end())
             return &slot;
@@ -225,15 +203,13 @@ std::vector<BoxPlan> planBoxes(const LiveMachine& machine, const LiveHba& hba, c
     for (BoxPlan& box : boxes)
         box.level = levelOf(box, machine);
     std::sort(boxes.begin(), boxes.end(), [](const BoxPlan& left, const BoxPlan& right) {
-        if (left.port != right.port)
-            return naturalLess(left.port, right.port);
+        if (left.port != right.port) return naturalLess(left.port, right.port);
         return left.level != right.level ? left.level < right.level : left.key < right.key;
     });
     std::vector<BoxPlan> numbered;
     for (const bool wished : {true, false}) { // who has a name of its own goes first
         for (BoxPlan& box : boxes) {
-            if (box.wish.has_value() != wished)
-                continue;
+            if (box.wish.has_value() != wished) continue;
             const std::optional<std::uint8_t> number = numbering.assign(box.key, box.wish);
             box.number = number.value_or(std::uint8_t{0});
         }

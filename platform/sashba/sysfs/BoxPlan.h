@@ -16,17 +16,17 @@
 namespace KDV {
 
 struct BoxPlan {
-    std::string key;                          // what it is, for its number
-    std::optional<std::uint8_t> wish;         // the number that the adapter's driver calls it by
+    std::string key;                  // what it is, for its number
+    std::optional<std::uint8_t> wish; // the number that the adapter's driver calls it by
     std::uint8_t number = 0;
-    std::string port;                         // "0", "1E"
-    std::uint64_t level = 0;                  // of its expander
+    std::string port;        // "0", "1E"
+    std::uint64_t level = 0; // of its expander
     std::uint64_t id = 0;
     std::string vendor, model, revision, serial;
     std::optional<std::uint64_t> bays;
-    std::vector<std::string> enclosures;      // directories in the enclosure class
-    std::vector<std::string> expanders;       // directories
-    const EnclosureState* state = nullptr;    // of the first processor that answered
+    std::vector<std::string> enclosures;   // directories in the enclosure class
+    std::vector<std::string> expanders;    // directories
+    const EnclosureState* state = nullptr; // of the first processor that answered
     std::vector<const SlotState*> slotStates;
     bool hung = false;
 };

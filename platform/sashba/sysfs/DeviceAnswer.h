@@ -13,34 +13,34 @@
 namespace KDV {
 
 enum class Readiness : std::uint8_t {
-    Unknown,   // not asked yet, or asking was not possible
+    Unknown, // not asked yet, or asking was not possible
     Ready,
-    Asleep,    // answers, but its disk does not turn: nothing more was asked
+    Asleep, // answers, but its disk does not turn: nothing more was asked
     NotReady,
     NoConnect, // the adapter no longer reaches it
 };
 
-struct SlotState {                       // what the enclosure class says of a slot
-    std::string status;                  // "OK", "critical", "not installed", ...
+struct SlotState {      // what the enclosure class says of a slot
+    std::string status; // "OK", "critical", "not installed", ...
     std::optional<std::uint64_t> fault;
 };
 
 struct DeviceAnswer {
     Readiness readiness = Readiness::Unknown;
-    bool hung = false;                   // did not answer within its time
-    bool denied = false;                 // the process may not ask it
+    bool hung = false;   // did not answer within its time
+    bool denied = false; // the process may not ask it
 
     // Of a disk.
     std::optional<bool> failurePredicted;
-    bool warned = false;                 // a warning short of a predicted failure, for example of its temperature
-    std::optional<std::uint32_t> enduranceUsed;  // percent
+    bool warned = false; // a warning short of a predicted failure, for example of its temperature
+    std::optional<std::uint32_t> enduranceUsed; // percent
     std::optional<std::uint32_t> powerOnHours;
-    std::optional<std::uint16_t> rotation;       // as on the Block Device Characteristics page
-    std::string serial, firmware;                // where they know more than the kernel's attributes
+    std::optional<std::uint16_t> rotation; // as on the Block Device Characteristics page
+    std::string serial, firmware;          // where they know more than the kernel's attributes
 
     // Of an enclosure.
     std::optional<EnclosureState> enclosure;
-    std::map<std::string, SlotState> slots;      // by the directory of the slot
+    std::map<std::string, SlotState> slots; // by the directory of the slot
 
     // Of a volume of the adapter's firmware.
     std::string raidLevel, raidState;

@@ -17,13 +17,13 @@ namespace KDV {
 enum class AskedKind : std::uint8_t { Disk, Enclosure, FirmwareVolume };
 
 struct AskedDevice {
-    std::string key;             // see askingKey()
+    std::string key; // see askingKey()
     AskedKind kind = AskedKind::Disk;
-    std::string path;            // of the SCSI device
-    std::string node;            // "/dev/sg3"; empty when it has none
+    std::string path; // of the SCSI device
+    std::string node; // "/dev/sg3"; empty when it has none
     Transport transport = Transport::Unknown;
-    std::string enclosure;       // directory in the enclosure class
-    bool spins = true;           // false for a solid-state disk
+    std::string enclosure; // directory in the enclosure class
+    bool spins = true;     // false for a solid-state disk
 };
 
 struct ReadyReply {
@@ -41,7 +41,7 @@ public:
     DeviceLink& operator=(const DeviceLink&) = delete;
 
     virtual ReadyReply testUnitReady() = 0;
-    virtual std::string logPage(std::uint8_t code) = 0;       // empty: not to be had, like the following ones
+    virtual std::string logPage(std::uint8_t code) = 0; // empty: not to be had, like the following ones
     virtual std::string enclosurePage(std::uint8_t code) = 0;
     virtual std::string smartctlOutput() = 0;
 };

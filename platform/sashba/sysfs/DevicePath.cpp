@@ -9,10 +9,7 @@
 namespace KDV {
 namespace {
 
-bool startsWith(std::string_view text, std::string_view start)
-{
-    return text.substr(0, start.size()) == start;
-}
+bool startsWith(std::string_view text, std::string_view start) { return text.substr(0, start.size()) == start; }
 
 std::optional<std::uint64_t> decimal(std::string_view text)
 {
@@ -26,8 +23,7 @@ std::optional<std::uint64_t> decimal(std::string_view text)
 bool isPciFunction(std::string_view name)
 {
     constexpr std::string_view form = "0000:00:00.0"; // some machines have wider domains
-    if (name.size() < form.size())
-        return false;
+    if (name.size() < form.size()) return false;
     const std::string_view domain = name.substr(0, name.size() - 8);
     const std::string_view rest = name.substr(name.size() - 8);
     const auto isHex = [](char letter) { return std::isxdigit(static_cast<unsigned char>(letter)) != 0; };
@@ -37,8 +33,7 @@ bool isPciFunction(std::string_view name)
 
 std::optional<std::uint32_t> parseHostName(std::string_view name)
 {
-    if (!startsWith(name, "host"))
-        return std::nullopt;
+    if (!startsWith(name, "host")) return std::nullopt;
     const std::optional<std::uint64_t> number = decimal(name.substr(4));
     if (!number || *number > std::numeric_limits<std::uint32_t>::max() || name.substr(4) != std::to_string(*number))
         return std::nullopt; // "host00" is none: a number names one host
@@ -50,11 +45,9 @@ std::optional<ScsiAddress> parseScsiAddress(std::string_view name)
     std::uint64_t parts[4];
     for (std::size_t i = 0; i < 4; ++i) {
         const std::size_t colon = name.find(':');
-        if ((colon == std::string_view::npos) != (i == 3))
-            return std::nullopt;
+        if ((colon == std::string_view::npos) != (i == 3)) return std::nullopt;
         const std::optional<std::uint64_t> number = decimal(name.substr(0, colon));
-        if (!number || (i < 3 && *number > std::numeric_limits<std::uint32_t>::max()))
-            return std::nullopt;
+        if (!number || (i < 3 && *number > std::numeric_limits<std::uint32_t>::max())) return std::nullopt;
         parts[i] = *number;
         name.remove_prefix(std::min(colon, name.size() - 1) + 1);
     }
@@ -75,8 +68,7 @@ DevicePath splitDevicePath(const std::string& path)
             split.pciFunction = upTo;
             split.pciFunctions.insert(split.pciFunctions.begin(), std::string(name));
         } else if (split.host.empty()) {
-            if (parseHostName(name))
-                split.host = upTo;
+            if (parseHostName(name)) split.host = upTo;
         } else if (startsWith(name, "port-") && split.hbaPort.empty()) {
             split.hbaPort = upTo;
         } else if (startsWith(name, "expander-")) {

@@ -23,8 +23,8 @@ struct DevicePath {
 
 DevicePath splitDevicePath(const std::string& path);
 
-std::optional<ScsiAddress> parseScsiAddress(std::string_view name);  // "0:0:1:0"
-std::optional<std::uint32_t> parseHostName(std::string_view name);   // "host0"
-bool isPciFunction(std::string_view name);                           // "0000:01:00.0"
+std::optional<ScsiAddress> parseScsiAddress(std::string_view name); // "0:0:1:0"
+std::optional<std::uint32_t> parseHostName(std::string_view name);  // "host0"
+bool isPciFunction(std::string_view name);                          // "0000:01:00.0"
 
 } // namespace KDV

@@ -9,10 +9,7 @@ namespace {
 
 constexpr char slotLink[] = "enclosure_device:";
 
-std::string page(const SysfsTree& tree, const std::string& path)
-{
-    return tree.bytes(path).value_or(std::string());
-}
+std::string page(const SysfsTree& tree, const std::string& path) { return tree.bytes(path).value_or(std::string()); }
 
 void readIdentity(const SysfsTree& tree, ScsiDevice& device)
 {
@@ -34,16 +31,12 @@ void readIdentity(const SysfsTree& tree, ScsiDevice& device)
 void readAtaIdentity(const SysfsTree& tree, ScsiDevice& device)
 {
     const std::string bytes = page(tree, device.path + "/vpd_pg89");
-    if (bytes.empty())
-        return;
+    if (bytes.empty()) return;
     device.transport = Transport::Sata;
     if (const auto ata = parseAtaInformation(ByteView(bytes))) {
-        if (!ata->firmware.empty())
-            device.revision = ata->firmware;
-        if (device.serial.empty())
-            device.serial = ata->serial;
-        if (!device.rotation)
-            device.rotation = ata->rotation;
+        if (!ata->firmware.empty()) device.revision = ata->firmware;
+        if (device.serial.empty()) device.serial = ata->serial;
+        if (!device.rotation) device.rotation = ata->rotation;
     }
 }
 
@@ -60,8 +53,7 @@ void readBlock(const SysfsTree& tree, ScsiDevice& device)
             device.rotation = std::uint16_t{1}; // 0 there is said of solid-state disks only
     }
     const std::vector<std::string> generics = tree.names(device.path + "/scsi_generic");
-    if (!generics.empty())
-        device.genericName = generics.front();
+    if (!generics.empty()) device.genericName = generics.front();
 }
 
 void readTransport(const SysfsTree& tree, const DevicePath& split, ScsiDevice& device)
@@ -82,8 +74,7 @@ void readTransport(const SysfsTree& tree, const DevicePath& split, ScsiDevice& d
     }
     if (device.sasAddress == 0)
         device.sasAddress = tree.number(device.path + "/sas_address").value_or(0); // smartpqi: on the disk itself
-    if (device.transport == Transport::Unknown && device.vendor == "ATA")
-        device.transport = Transport::Sata;
+    if (device.transport == Transport::Unknown && device.vendor == "ATA") device.transport = Transport::Sata;
 }
 
 void readPlace(const SysfsTree& tree, ScsiDevice& device)
@@ -91,13 +82,10 @@ void readPlace(const SysfsTree& tree, ScsiDevice& device)
     device.pathInfo = parsePathInfo(page(tree, device.path + "/path_info"));
     device.raidLevel = tree.text(device.path + "/raid_level");
     for (const std::string& name : tree.names(device.path)) {
-        if (name == "raid_devices")
-            device.raidClass = true;
-        if (name.compare(0, sizeof slotLink - 1, slotLink) != 0 || !device.slotDirectory.empty())
-            continue;
+        if (name == "raid_devices") device.raidClass = true;
+        if (name.compare(0, sizeof slotLink - 1, slotLink) != 0 || !device.slotDirectory.empty()) continue;
         device.slotDirectory = tree.target(device.path + "/" + name);
-        if (!device.slotDirectory.empty())
-            device.slot = tree.number(device.slotDirectory + "/slot");
+        if (!device.slotDirectory.empty()) device.slot = tree.number(device.slotDirectory + "/slot");
     }
 }
 
@@ -108,8 +96,7 @@ std::optional<ScsiDevice> readScsiDevice(const SysfsTree& tree, const std::strin
     const DevicePath split = splitDevicePath(path);
     const std::optional<ScsiAddress> address = parseScsiAddress(lastOf(path));
     const std::uint64_t identity = tree.identity(path);
-    if (!address || identity == 0 || split.device != path)
-        return std::nullopt;
+    if (!address || identity == 0 || split.device != path) return std::nullopt;
     ScsiDevice device;
     device.path = path;
     device.identity = identity;
@@ -126,19 +113,15 @@ std::optional<ScsiDevice> readScsiDevice(const SysfsTree& tree, const std::strin
 
 std::uint64_t naaOf(const std::string& wwid)
 {
-    if (wwid.size() != 20 || wwid.compare(0, 4, "naa.") != 0)
-        return 0;
+    if (wwid.size() != 20 || wwid.compare(0, 4, "naa.") != 0) return 0;
     return wholeNumber("0x" + wwid.substr(4)).value_or(0);
 }
 
 std::string diskIdentity(const ScsiDevice& device)
 {
-    if (!device.wwid.empty())
-        return device.wwid;
-    if (!device.serial.empty())
-        return "serial " + device.vendor + " " + device.model + " " + device.serial;
-    if (device.sasAddress != 0)
-        return "sas " + hex16(device.sasAddress);
+    if (!device.wwid.empty()) return device.wwid;
+    if (!device.serial.empty()) return "serial " + device.vendor + " " + device.model + " " + device.serial;
+    if (device.sasAddress != 0) return "sas " + hex16(device.sasAddress);
     return {};
 }
 

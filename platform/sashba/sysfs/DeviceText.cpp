@@ -6,15 +6,11 @@
 namespace KDV {
 namespace {
 
-bool isDigit(char letter)
-{
-    return letter >= '0' && letter <= '9';
-}
+bool isDigit(char letter) { return letter >= '0' && letter <= '9'; }
 
 int digitValue(char letter)
 {
-    if (isDigit(letter))
-        return letter - '0';
+    if (isDigit(letter)) return letter - '0';
     const char lower = static_cast<char>(letter | 0x20);
     return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : 99;
 }
@@ -37,8 +33,7 @@ std::string_view trimmed(std::string_view text)
 {
     constexpr std::string_view around(" \t\r\n\v\f\0", 7);
     const std::size_t first = text.find_first_not_of(around);
-    if (first == std::string_view::npos)
-        return {};
+    if (first == std::string_view::npos) return {};
     return text.substr(first, text.find_last_not_of(around) - first + 1);
 }
 
@@ -49,13 +44,11 @@ std::optional<std::uint64_t> wholeNumber(std::string_view text)
         base = 16;
         text.remove_prefix(2);
     }
-    if (text.empty())
-        return std::nullopt;
+    if (text.empty()) return std::nullopt;
     std::uint64_t value = 0;
     for (const char letter : text) {
         const auto digit = static_cast<unsigned>(digitValue(letter));
-        if (digit >= base || value > (std::numeric_limits<std::uint64_t>::max() - digit) / base)
-            return std::nullopt;
+        if (digit >= base || value > (std::numeric_limits<std::uint64_t>::max() - digit) / base) return std::nullopt;
         value = value * base + digit;
     }
     return value;
@@ -83,8 +76,7 @@ bool naturalLess(std::string_view left, std::string_view right)
         left.remove_prefix(1);
         right.remove_prefix(1);
     }
-    if (left.empty() != right.empty())
-        return left.empty();
+    if (left.empty() != right.empty()) return left.empty();
     return wholeLeft < wholeRight; // "01" and "1": some order, and always the same
 }
 

@@ -22,8 +22,7 @@ const LiveHba* hbaOf(const LiveMachine& machine, const ScsiDevice& device)
 
 std::uint8_t speedCode(std::uint16_t rotation)
 {
-    if (rotation >= 7100 && rotation <= 7300)
-        return 2;
+    if (rotation >= 7100 && rotation <= 7300) return 2;
     if (rotation >= 9900 && rotation <= 10800) // 10,500 and 10,520 are sold as 10,000
         return 3;
     return rotation >= 14900 && rotation <= 15100 ? 4 : 0;
@@ -33,19 +32,16 @@ std::uint8_t speedCode(std::uint16_t rotation)
 // their product the same.
 void putBlocks(const ScsiDevice& device, SasPhysicalDriveRecord& image)
 {
-    if (device.sectors > std::numeric_limits<std::uint64_t>::max() / bytesOfSector)
-        return;
+    if (device.sectors > std::numeric_limits<std::uint64_t>::max() / bytesOfSector) return;
     const std::uint64_t bytes = device.sectors * bytesOfSector;
     image.size = static_cast<std::uint32_t>(std::min(bytes >> 20, most32));
     for (const std::uint64_t block : {device.logicalBlock, device.physicalBlock}) {
-        if (block == 0 || block > most32 || bytes % block != 0 || bytes / block > most32)
-            continue;
+        if (block == 0 || block > most32 || bytes % block != 0 || bytes / block > most32) continue;
         image.blockSize = static_cast<std::uint32_t>(block);
         image.blockCount = static_cast<std::uint32_t>(bytes / block);
         return;
     }
-    if (device.logicalBlock <= most32)
-        image.blockSize = static_cast<std::uint32_t>(device.logicalBlock);
+    if (device.logicalBlock <= most32) image.blockSize = static_cast<std::uint32_t>(device.logicalBlock);
 }
 
 void putSolidState(const DriveFacts& facts, SasPhysicalDriveRecord& image)
@@ -54,10 +50,8 @@ void putSolidState(const DriveFacts& facts, SasPhysicalDriveRecord& image)
     image.mediaType = solidState;
     image.ssdWearStatus = -1; // not known, or worn out
     for (const DrivePathFacts& path : facts.paths) {
-        if (!path.answer)
-            continue;
-        if (path.answer->powerOnHours)
-            image.ssdPowerOnHours = *path.answer->powerOnHours;
+        if (!path.answer) continue;
+        if (path.answer->powerOnHours) image.ssdPowerOnHours = *path.answer->powerOnHours;
         if (const std::optional<std::uint32_t> used = path.answer->enduranceUsed) {
             image.ssdEnduranceUsed = *used;
             image.ssdLifeRemaining = *used < 100 ? 100 - *used : 0;
@@ -68,15 +62,12 @@ void putSolidState(const DriveFacts& facts, SasPhysicalDriveRecord& image)
 
 const SlotState* slotStateOf(const ScsiDevice& device, const DeviceAnswers& answers)
 {
-    if (device.slotDirectory.empty())
-        return nullptr;
+    if (device.slotDirectory.empty()) return nullptr;
     const std::string enclosureDevice = parentOf(parentOf(parentOf(device.slotDirectory)));
     for (auto found = answers.lower_bound(enclosureDevice + '#'); found != answers.end(); ++found) {
-        if (found->first.compare(0, enclosureDevice.size() + 1, enclosureDevice + '#') != 0)
-            break;
+        if (found->first.compare(0, enclosureDevice.size() + 1, enclosureDevice + '#') != 0) break;
         const auto slot = found->second->slots.find(device.slotDirectory);
-        if (slot != found->second->slots.end())
-            return &slot->second;
+        if (slot != found->second->slots.end()) return &slot->second;
     }
     return nullptr;
 }
@@ -87,10 +78,8 @@ DriveFacts factsOf(const DrivePlan& drive, const std::vector<BoxPlan>& boxes, co
     for (const ScsiDevice* path : drive.paths) {
         const auto found = answers.find(askingKey(*path));
         facts.paths.push_back({path, found == answers.end() ? nullptr : found->second.get()});
-        if (drive.place && !facts.slot)
-            facts.slot = slotHealthOf(*path, boxes[drive.place->box]);
-        if (!facts.slotState)
-            facts.slotState = slotStateOf(*path, answers);
+        if (drive.place && !facts.slot) facts.slot = slotHealthOf(*path, boxes[drive.place->box]);
+        if (!facts.slotState) facts.slotState = slotStateOf(*path, answers);
     }
     return facts;
 }
@@ -98,8 +87,7 @@ DriveFacts factsOf(const DrivePlan& drive, const std::vector<BoxPlan>& boxes, co
 // Connectors are named by a number and I or E for internal or external.
 std::uint8_t placementOf(const std::string& port)
 {
-    if (port.size() < 2)
-        return 0;
+    if (port.size() < 2) return 0;
     return port.back() == 'I' ? 2 : port.back() == 'E' ? 3 : 0;
 }
 
@@ -109,10 +97,8 @@ void putIdentity(const DrivePlan& drive, const DriveFacts& facts, SasPhysicalDri
     std::string serial = device.serial;
     std::string firmware = device.revision;
     for (const DrivePathFacts& path : facts.paths) {
-        if (path.answer && serial.empty())
-            serial = path.answer->serial;
-        if (path.answer && path.answer->firmware.size() > firmware.size())
-            firmware = path.answer->firmware;
+        if (path.answer && serial.empty()) serial = path.answer->serial;
+        if (path.answer && path.answer->firmware.size() > firmware.size()) firmware = path.answer->firmware;
     }
     std::string inquiry = device.vendor;
     inquiry.resize(std::max<std::size_t>(inquiry.size(), 8), ' ');
@@ -120,10 +106,8 @@ void putIdentity(const DrivePlan& drive, const DriveFacts& facts, SasPhysicalDri
     putText(image.firmwareRevision, firmware);
     putText(image.serialNumber, serial);
     const std::uint64_t name = naaOf(device.wwid) != 0 ? naaOf(device.wwid) : device.sasAddress;
-    if (name != 0)
-        putText(image.name, hex16(name));
-    if (!device.blockName.empty())
-        putWhole(image.osName, "/dev/" + device.blockName);
+    if (name != 0) putText(image.name, hex16(name));
+    if (!device.blockName.empty()) putWhole(image.osName, "/dev/" + device.blockName);
 }
 
 } // namespace
@@ -134,11 +118,9 @@ std::vector<DrivePlan> groupDrives(const LiveMachine& machine)
     std::map<std::string, std::size_t> known;
     for (const LiveHba& hba : machine.hbas) {
         for (const ScsiDevice& device : machine.devices) {
-            if (!device.isDisk() || hbaOf(machine, device) != &hba || isFirmwareVolume(device, hba))
-                continue;
+            if (!device.isDisk() || hbaOf(machine, device) != &hba || isFirmwareVolume(device, hba)) continue;
             std::string identity = diskIdentity(device);
-            if (identity.empty())
-                identity = "at " + lastOf(device.path);
+            if (identity.empty()) identity = "at " + lastOf(device.path);
             const auto [entry, isNew] = known.emplace(identity, drives.size());
             if (isNew) {
                 drives.emplace_back();
@@ -154,14 +136,11 @@ std::vector<DrivePlan> groupDrives(const LiveMachine& machine)
 void placeDrive(DrivePlan& drive, const std::vector<BoxPlan>& boxes, const SysfsTree& tree)
 {
     for (const ScsiDevice* path : drive.paths) {
-        if (path->address.host != drive.host || drive.place)
-            continue;
+        if (path->address.host != drive.host || drive.place) continue;
         drive.place = placeOf(*path, boxes);
-        if (drive.place && !drive.place->bay)
-            drive.place.reset(); // somewhere in the box is no place
+        if (drive.place && !drive.place->bay) drive.place.reset(); // somewhere in the box is no place
     }
-    if (drive.place)
-        return;
+    if (drive.place) return;
     const ScsiDevice& device = *drive.paths.front();
     if (device.pathInfo) {
         drive.port = device.pathInfo->port.empty() ? "0" : device.pathInfo->port;
@@ -170,8 +149,7 @@ void placeDrive(DrivePlan& drive, const std::vector<BoxPlan>& boxes, const Sysfs
         drive.port = portName(device.hbaPort, tree);
         const bool bayIsReal = device.enclosureIdentifier != 0 && device.bay; // a bay of no enclosure is always 0
         drive.device = bayIsReal ? *device.bay : device.phy.value_or(0);
-        if (!bayIsReal && device.expander.empty())
-            drive.device = wholeNumber(drive.port).value_or(0);
+        if (!bayIsReal && device.expander.empty()) drive.device = wholeNumber(drive.port).value_or(0);
     } else {
         drive.port = std::to_string(device.address.channel);
         drive.device = device.address.target;
@@ -180,8 +158,7 @@ void placeDrive(DrivePlan& drive, const std::vector<BoxPlan>& boxes, const Sysfs
 
 std::optional<std::uint32_t> wishedNumber(const DrivePlan& drive, const std::vector<BoxPlan>& boxes)
 {
-    if (drive.place)
-        return numberByPlace(boxes[drive.place->box].number, *drive.place->bay);
+    if (drive.place) return numberByPlace(boxes[drive.place->box].number, *drive.place->bay);
     const ScsiDevice& device = *drive.paths.front();
     if (device.hbaPort.empty() && !device.pathInfo)
         return device.address.channel < 3 && device.address.target < 256
@@ -192,8 +169,7 @@ std::optional<std::uint32_t> wishedNumber(const DrivePlan& drive, const std::vec
 
 std::string locationText(const DrivePlan& drive, const std::vector<BoxPlan>& boxes)
 {
-    if (!drive.place)
-        return "Port " + drive.port + " Device " + std::to_string(drive.device);
+    if (!drive.place) return "Port " + drive.port + " Device " + std::to_string(drive.device);
     const BoxPlan& box = boxes[drive.place->box];
     return "Port " + box.port + " Box " + std::to_string(box.number) + " Bay " + std::to_string(*drive.place->bay);
 }
@@ -225,12 +201,10 @@ SasPhysicalDriveRecord driveImage(const DrivePlan& drive, const std::vector<BoxP
     putBlocks(device, image);
     std::optional<std::uint16_t> rotation = device.rotation;
     for (const DrivePathFacts& path : facts.paths) {
-        if (path.answer && rotation.value_or(0) == 0)
-            rotation = path.answer->rotation;
+        if (path.answer && rotation.value_or(0) == 0) rotation = path.answer->rotation;
     }
     image.rotationalSpeed = speedCode(rotation.value_or(0));
-    if (rotation == 1)
-        putSolidState(facts, image);
+    if (rotation == 1) putSolidState(facts, image);
     return image;
 }
 

@@ -17,11 +17,11 @@ namespace KDV {
 
 struct DrivePlan {
     std::string identity;
-    std::uint32_t host = 0;                  // of the HBA whose drive it is
-    std::vector<const ScsiDevice*> paths;    // the first one is what the record tells of
-    std::optional<BoxPlace> place;           // among the boxes of the HBA
-    std::string port;                        // of a directly attached one
-    std::uint64_t device = 0;                // likewise
+    std::uint32_t host = 0;               // of the HBA whose drive it is
+    std::vector<const ScsiDevice*> paths; // the first one is what the record tells of
+    std::optional<BoxPlace> place;        // among the boxes of the HBA
+    std::string port;                     // of a directly attached one
+    std::uint64_t device = 0;             // likewise
     std::optional<std::uint32_t> number;
 };
 

@@ -23,10 +23,8 @@ struct Worst {
 
     std::uint8_t as(std::uint8_t failedCode) const
     {
-        if (failed)
-            return failedCode;
-        if (degraded)
-            return 3;
+        if (failed) return failedCode;
+        if (degraded) return 3;
         return known && !unclear ? 2 : 0;
     }
 };
@@ -37,10 +35,8 @@ std::uint8_t temperatureCode(const SesElementStatus& element)
     constexpr std::uint8_t failures = 0x0A; // over- and under-temperature failure
     constexpr std::uint8_t warnings = 0x05;
     const bool reads = element.code == SesCode::ok || element.code == SesCode::nonCritical;
-    if (reads && (element.bytes[2] & failures) != 0)
-        return SesCode::critical;
-    if (element.code == SesCode::ok && (element.bytes[2] & warnings) != 0)
-        return SesCode::nonCritical;
+    if (reads && (element.bytes[2] & failures) != 0) return SesCode::critical;
+    if (element.code == SesCode::ok && (element.bytes[2] & warnings) != 0) return SesCode::nonCritical;
     return element.code;
 }
 
@@ -84,8 +80,7 @@ std::optional<EnclosureState> enclosureState(ByteView configurationPage, ByteVie
                                              ByteView additionalPage)
 {
     const std::optional<SesConfiguration> configuration = parseSesConfiguration(configurationPage);
-    if (!configuration)
-        return std::nullopt;
+    if (!configuration) return std::nullopt;
     EnclosureState state;
     state.logicalId = configuration->logicalId;
     state.vendor = configuration->vendor;
@@ -93,8 +88,7 @@ std::optional<EnclosureState> enclosureState(ByteView configurationPage, ByteVie
     state.revision = configuration->revision;
     const std::optional<SesStatus> status = parseSesStatus(statusPage, *configuration);
     const bool current = status && status->generation == configuration->generation && (status->flags & 0x10) == 0;
-    if (current)
-        judgeParts(*status, state);
+    if (current) judgeParts(*status, state);
     const std::vector<std::string> names = parseSesDescriptors(descriptorPage, *configuration);
     std::vector<SesSlotAddress> addresses;
     if (additionalPage.u32(4) == configuration->generation)
@@ -103,21 +97,17 @@ std::optional<EnclosureState> enclosureState(ByteView configurationPage, ByteVie
     std::size_t index = 0;
     for (const SesElementType& type : configuration->types) {
         for (std::size_t i = 0; i < type.elements; ++i, ++index) {
-            if (type.type != SesElement::deviceSlot && type.type != SesElement::arrayDeviceSlot)
-                continue;
+            if (type.type != SesElement::deviceSlot && type.type != SesElement::arrayDeviceSlot) continue;
             ++state.bays;
             SlotHealth slot;
-            if (current && index < status->elements.size())
-                slot = judgeSlot(status->elements[index]);
-            if (index < names.size())
-                slot.name = names[index];
+            if (current && index < status->elements.size()) slot = judgeSlot(status->elements[index]);
+            if (index < names.size()) slot.name = names[index];
             const auto found = std::find_if(addresses.begin(), addresses.end(), [index](const SesSlotAddress& address) {
                 return address.element == index;
             });
             if (found != addresses.end()) {
                 slot.sasAddresses = found->sasAddresses;
-                if (found->hasSlot)
-                    slot.slot = found->slot;
+                if (found->hasSlot) slot.slot = found->slot;
             }
             state.slots.push_back(std::move(slot));
         }

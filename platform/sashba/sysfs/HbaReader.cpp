@@ -12,8 +12,8 @@ namespace KDV {
 namespace {
 
 // As they stand in proc_name. A host of another driver counts when it has the SAS transport.
-constexpr std::string_view sasDrivers[] = {"mpt3sas", "mpt2sas",  "mptsas", "smartpqi", "hpsa",    "megaraid_sas",
-                                           "aic94xx", "isci",     "mvsas",  "pm80xx",   "pm8001",  "hisi_sas"};
+constexpr std::string_view sasDrivers[] = {"mpt3sas", "mpt2sas", "mptsas", "smartpqi", "hpsa",   "megaraid_sas",
+                                           "aic94xx", "isci",    "mvsas",  "pm80xx",   "pm8001", "hisi_sas"};
 
 bool isSasDriver(const std::string& name)
 {
@@ -24,8 +24,7 @@ std::string firstText(const SysfsTree& tree, const std::string& folder, std::ini
 {
     for (const char* name : names) {
         std::string text = tree.text(folder + name);
-        if (!text.empty())
-            return text;
+        if (!text.empty()) return text;
     }
     return {};
 }
@@ -39,11 +38,9 @@ std::optional<std::uint8_t> slotOf(const SysfsTree& tree, const std::vector<std:
         slots.emplace_back(tree.text("bus/pci/slots/" + name + "/address"), name);
     for (const std::string& function : functions) {
         for (const auto& [address, name] : slots) {
-            if (address.empty() || address != function.substr(0, function.size() - 2))
-                continue;
+            if (address.empty() || address != function.substr(0, function.size() - 2)) continue;
             const std::optional<std::uint64_t> number = wholeNumber(name);
-            if (number && *number >= 1 && *number <= 254)
-                return static_cast<std::uint8_t>(*number);
+            if (number && *number >= 1 && *number <= 254) return static_cast<std::uint8_t>(*number);
         }
     }
     return std::nullopt;
@@ -53,18 +50,14 @@ std::optional<std::uint8_t> slotOf(const SysfsTree& tree, const std::vector<std:
 // the oldest driver do.
 std::uint64_t addressOf(const SysfsTree& tree, const LiveHba& hba, const std::string& attributes)
 {
-    if (const auto own = tree.number(attributes + "host_sas_address"))
-        return *own;
-    if (hba.driver == "mptsas")
-        return 0;
+    if (const auto own = tree.number(attributes + "host_sas_address")) return *own;
+    if (hba.driver == "mptsas") return 0;
     std::uint64_t lowest = 0;
     for (const std::string& name : tree.names(hba.path)) {
-        if (name.compare(0, 4, "phy-") != 0)
-            continue;
+        if (name.compare(0, 4, "phy-") != 0) continue;
         const std::uint64_t address =
             tree.number(hba.path + "/" + name + "/sas_phy/" + name + "/sas_address").value_or(0);
-        if (address != 0 && (lowest == 0 || address < lowest))
-            lowest = address;
+        if (address != 0 && (lowest == 0 || address < lowest)) lowest = address;
     }
     return lowest;
 }
@@ -73,16 +66,14 @@ std::optional<LiveHba> readHba(const SysfsTree& tree, const std::string& name)
 {
     const std::string found = tree.target("class/scsi_host/" + name);
     const std::optional<std::uint32_t> host = parseHostName(name);
-    if (found.empty() || !host)
-        return std::nullopt;
+    if (found.empty() || !host) return std::nullopt;
     const std::string attributes = found + "/";
     LiveHba hba;
     hba.host = *host;
     const DevicePath split = splitDevicePath(found);
     hba.path = split.host;
     hba.driver = tree.text(attributes + "proc_name");
-    if (!isSasDriver(hba.driver) && tree.target("class/sas_host/" + name).empty())
-        return std::nullopt;
+    if (!isSasDriver(hba.driver) && tree.target("class/sas_host/" + name).empty()) return std::nullopt;
     hba.pciAddress = lastOf(split.pciFunction);
     hba.model = firstText(tree, attributes, {"board_name", "model"});
     hba.serial = firstText(tree, attributes, {"board_tracer", "serial_number", "pcba_sn"});
@@ -99,8 +90,7 @@ std::vector<LiveHba> readHbas(const SysfsTree& tree)
 {
     std::vector<LiveHba> hbas;
     for (const std::string& name : tree.names("class/scsi_host")) {
-        if (std::optional<LiveHba> hba = readHba(tree, name))
-            hbas.push_back(std::move(*hba));
+        if (std::optional<LiveHba> hba = readHba(tree, name)) hbas.push_back(std::move(*hba));
     }
     std::sort(hbas.begin(), hbas.end(), [](const LiveHba& left, const LiveHba& right) {
         return std::tie(left.pciAddress, left.host) < std::tie(right.pciAddress, right.host);

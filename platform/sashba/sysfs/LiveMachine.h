@@ -26,28 +26,28 @@ struct ScsiDevice {
     static constexpr std::uint64_t zonedDisk = 0x14;
 
     std::string path;
-    std::uint64_t identity = 0;          // of the directory: a device that comes anew has another one
+    std::uint64_t identity = 0; // of the directory: a device that comes anew has another one
     ScsiAddress address;
     std::uint64_t type = 0x1F;
     std::string vendor, model, revision, serial;
-    std::string wwid;                    // "naa.5000..." and other forms; empty when unusable
-    std::string state;                   // "running", "offline", ...
-    std::string blockName, genericName;  // "sda", "sg0"
-    std::uint64_t sectors = 0;           // of 512 bytes
+    std::string wwid;                   // "naa.5000..." and other forms; empty when unusable
+    std::string state;                  // "running", "offline", ...
+    std::string blockName, genericName; // "sda", "sg0"
+    std::uint64_t sectors = 0;          // of 512 bytes
     std::uint64_t logicalBlock = 0, physicalBlock = 0;
     std::optional<std::uint16_t> rotation; // 1 solid state
-    bool raidClass = false;              // a volume of the adapter's firmware
-    std::string raidLevel;               // smartpqi: "N/A" for a disk
+    bool raidClass = false;                // a volume of the adapter's firmware
+    std::string raidLevel;                 // smartpqi: "N/A" for a disk
 
     // Where it is connected.
     Transport transport = Transport::Unknown;
     std::uint64_t sasAddress = 0;
     std::uint64_t enclosureIdentifier = 0;
     std::optional<std::uint64_t> bay, phy;
-    std::string hbaPort;                 // directory of port-H:P
-    std::string expander;                // directory of the nearest expander; empty when there is none
+    std::string hbaPort;  // directory of port-H:P
+    std::string expander; // directory of the nearest expander; empty when there is none
     std::optional<PathInfo> pathInfo;
-    std::string slotDirectory;           // of its slot in the enclosure class
+    std::string slotDirectory; // of its slot in the enclosure class
     std::optional<std::uint64_t> slot;
 
     bool isDisk() const noexcept { return type == disk || type == zonedDisk; }
@@ -62,17 +62,17 @@ struct LiveExpander {
     std::uint32_t host = 0;
 };
 
-struct LiveEnclosure {                   // of the enclosure class
+struct LiveEnclosure { // of the enclosure class
     std::string path;
-    std::string device;                  // path of its SCSI device
+    std::string device; // path of its SCSI device
     std::uint64_t id = 0;
     std::optional<std::uint64_t> components;
 };
 
 struct LiveHba {
     std::uint32_t host = 0;
-    std::string path;                    // directory of hostN
-    std::string pciAddress;              // "0000:03:00.0"; empty for a host that is no PCI function's
+    std::string path;       // directory of hostN
+    std::string pciAddress; // "0000:03:00.0"; empty for a host that is no PCI function's
     std::string driver;
     std::string model, serial, firmware;
     std::uint64_t sasAddress = 0;
@@ -81,13 +81,13 @@ struct LiveHba {
 };
 
 struct MdMember {
-    std::string device;                  // path of the SCSI device below it; empty when it is none
-    std::optional<std::uint64_t> slot;   // position in the array
-    std::string state;                   // "in_sync", "spare", "faulty", ...
+    std::string device;                // path of the SCSI device below it; empty when it is none
+    std::optional<std::uint64_t> slot; // position in the array
+    std::string state;                 // "in_sync", "spare", "faulty", ...
 };
 
 struct MdArray {
-    std::string name;                    // "md0"
+    std::string name; // "md0"
     std::string level;
     std::string arrayState, syncAction;
     std::uint64_t sectors = 0;
@@ -96,8 +96,8 @@ struct MdArray {
 };
 
 struct LiveMachine {
-    std::vector<LiveHba> hbas;           // by PCI address
-    std::vector<ScsiDevice> devices;     // behind these HBAs, by HBA and address
+    std::vector<LiveHba> hbas;       // by PCI address
+    std::vector<ScsiDevice> devices; // behind these HBAs, by HBA and address
     std::vector<LiveExpander> expanders;
     std::vector<LiveEnclosure> enclosures;
     std::vector<MdArray> arrays;

@@ -13,12 +13,9 @@ namespace {
 std::string hbaName(const LiveHba& hba)
 {
     std::string name = hba.model.empty() ? hba.driver : hba.model;
-    if (name.empty())
-        name = "SAS HBA";
-    if (!hba.serial.empty())
-        return name + " " + hba.serial;
-    if (hba.sasAddress != 0)
-        return name + " " + hex16(hba.sasAddress);
+    if (name.empty()) name = "SAS HBA";
+    if (!hba.serial.empty()) return name + " " + hba.serial;
+    if (hba.sasAddress != 0) return name + " " + hex16(hba.sasAddress);
     return name + " " + (hba.pciAddress.empty() ? "host" + std::to_string(hba.host) : hba.pciAddress);
 }
 
@@ -66,8 +63,7 @@ SasStorageBoxRecord boxImage(const BoxPlan& box, const LiveHba& hba)
     putText(image.serialNumber, box.serial);
     putText(image.name, "Port " + box.port + " Box " + std::to_string(box.number));
     image.driveBays = static_cast<std::uint8_t>(std::min<std::uint64_t>(box.bays.value_or(0), 255));
-    if (!box.port.empty())
-        image.locationCode = box.port.back() == 'I' ? 2 : box.port.back() == 'E' ? 3 : 0;
+    if (!box.port.empty()) image.locationCode = box.port.back() == 'I' ? 2 : box.port.back() == 'E' ? 3 : 0;
     if (box.state && !box.hung) {
         image.status = box.state->status;
         image.fanStatus = box.state->fans;
@@ -94,8 +90,7 @@ void addVolumes(const LiveMachine& live, const LiveHba& hba, const DrivesByPath&
         made.logicalDrives.back().image = image;
     }
     for (const auto& [number, usage] : volumes.usages) {
-        if (auto* drive = findDrive(made, number))
-            drive->image.usage = usage;
+        if (auto* drive = findDrive(made, number)) drive->image.usage = usage;
     }
 }
 
@@ -103,10 +98,8 @@ void addVolumes(const LiveMachine& live, const LiveHba& hba, const DrivesByPath&
 
 bool isFirmwareVolume(const ScsiDevice& device, const LiveHba& hba)
 {
-    if (device.raidClass)
-        return true;
-    if (hba.driver == "megaraid_sas")
-        return device.address.channel >= 2; // the lower channels are disks passed through
+    if (device.raidClass) return true;
+    if (hba.driver == "megaraid_sas") return device.address.channel >= 2; // the lower channels are disks passed through
     return !device.raidLevel.empty() && device.raidLevel != "N/A";
 }
 
@@ -131,8 +124,7 @@ Machine MachineBuilder::build(const LiveMachine& live, const DeviceAnswers& answ
         std::vector<DrivePlan*> own;
         std::vector<NumberWish> wishes;
         for (DrivePlan& drive : drives) {
-            if (drive.host != hba.host)
-                continue;
+            if (drive.host != hba.host) continue;
             placeDrive(drive, boxes, _tree);
             own.push_back(&drive);
             wishes.push_back({drive.identity, wishedNumber(drive, boxes)});
@@ -141,8 +133,7 @@ Machine MachineBuilder::build(const LiveMachine& live, const DeviceAnswers& answ
         _wantsAnotherPass = _wantsAnotherPass || numbers.drives.waiting();
         for (std::size_t i = 0; i < own.size(); ++i) {
             own[i]->number = given[i];
-            if (!given[i])
-                continue;
+            if (!given[i]) continue;
             made.physicalDrives.emplace_back();
             made.physicalDrives.back().key.number = *given[i];
             made.physicalDrives.back().image = driveImage(*own[i], boxes, answers);

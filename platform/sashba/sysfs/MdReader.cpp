@@ -23,12 +23,10 @@ std::vector<MdArray> readMdArrays(const SysfsTree& tree)
 {
     std::vector<MdArray> arrays;
     for (const std::string& name : tree.names("block")) {
-        if (name.compare(0, 2, "md") != 0)
-            continue;
+        if (name.compare(0, 2, "md") != 0) continue;
         const std::string block = tree.target("block/" + name);
         const std::string md = block + "/md";
-        if (block.empty() || tree.identity(md) == 0)
-            continue;
+        if (block.empty() || tree.identity(md) == 0) continue;
         MdArray array;
         array.name = name;
         array.level = tree.text(md + "/level");

@@ -23,8 +23,7 @@ std::uint32_t nextByIdentity(std::uint32_t number)
 
 std::optional<std::uint32_t> numberByPlace(std::uint8_t box, std::uint64_t bay)
 {
-    if (bay >= baysOfABox)
-        return std::nullopt;
+    if (bay >= baysOfABox) return std::nullopt;
     return box * baysOfABox + static_cast<std::uint32_t>(bay);
 }
 
@@ -35,23 +34,19 @@ std::vector<std::optional<std::uint32_t>> DriveNumbering::assign(const std::vect
     std::set<std::uint32_t> taken;
     for (std::size_t i = 0; i < wishes.size(); ++i) {
         const auto before = _present.find(wishes[i].identity);
-        if (before == _present.end() || !present.emplace(*before).second)
-            continue;
+        if (before == _present.end() || !present.emplace(*before).second) continue;
         numbers[i] = before->second;
         taken.insert(before->second);
     }
     std::set<std::uint32_t> givenUp;
     for (const auto& [identity, number] : _present) {
-        if (taken.count(number) == 0)
-            givenUp.insert(number);
+        if (taken.count(number) == 0) givenUp.insert(number);
     }
     _waiting = false;
     for (std::size_t i = 0; i < wishes.size(); ++i) {
-        if (numbers[i] || present.count(wishes[i].identity) != 0)
-            continue;
+        if (numbers[i] || present.count(wishes[i].identity) != 0) continue;
         std::uint32_t number = wishes[i].byPlace.value_or(numberByIdentity(wishes[i].identity));
-        if (taken.count(number) != 0)
-            number = numberByIdentity(wishes[i].identity);
+        if (taken.count(number) != 0) number = numberByIdentity(wishes[i].identity);
         while (taken.count(number) != 0)
             number = nextByIdentity(number);
         if (givenUp.count(number) != 0) {
@@ -68,16 +63,14 @@ std::vector<std::optional<std::uint32_t>> DriveNumbering::assign(const std::vect
 
 std::optional<std::uint8_t> BoxNumbering::assign(const std::string& box, std::optional<std::uint8_t> wish)
 {
-    if (const auto known = _numbers.find(box); known != _numbers.end())
-        return known->second;
+    if (const auto known = _numbers.find(box); known != _numbers.end()) return known->second;
     std::uint8_t number = wish.value_or(std::uint8_t{0});
     if (number == 0 || _taken.count(number) != 0) {
         number = 1;
         while (number < 255 && _taken.count(number) != 0)
             ++number;
     }
-    if (number == 255)
-        return std::nullopt;
+    if (number == 255) return std::nullopt;
     _numbers.emplace(box, number);
     _taken.insert(number);
     return number;

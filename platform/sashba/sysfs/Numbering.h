@@ -14,7 +14,7 @@
 namespace KDV {
 
 struct NumberWish {
-    std::string identity;                    // what it is; unlike that of any other drive of the HBA
+    std::string identity; // what it is; unlike that of any other drive of the HBA
     std::optional<std::uint32_t> byPlace;
 };
 

@@ -7,8 +7,7 @@ namespace KDV {
 
 void requestPassIfPossible() noexcept
 {
-    if (kdvRequestPass)
-        kdvRequestPass();
+    if (kdvRequestPass) kdvRequestPass();
 }
 
 } // namespace KDV

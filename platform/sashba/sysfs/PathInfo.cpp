@@ -43,8 +43,7 @@ std::optional<PathInfo> parseLine(std::string_view line, bool& active)
             active = true;
         }
     }
-    if (!info.bay)
-        return std::nullopt;
+    if (!info.bay) return std::nullopt;
     return info;
 }
 
@@ -58,10 +57,8 @@ std::optional<PathInfo> parsePathInfo(std::string_view text)
         bool active = false;
         std::optional<PathInfo> info = parseLine(text.substr(0, end), active);
         text.remove_prefix(std::min(end + 1, text.size()));
-        if (info && active)
-            return info;
-        if (info && !first)
-            first = std::move(info);
+        if (info && active) return info;
+        if (info && !first) first = std::move(info);
     }
     return first;
 }

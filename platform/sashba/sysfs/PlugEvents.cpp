@@ -3,15 +3,13 @@
 #include <algorithm>
 #include <cerrno>
 #include <exception>
-
+#include <fcntl.h>
 #include <linux/netlink.h>
 #include <poll.h>
 #include <pthread.h>
 #include <signal.h>
 #include <sys/socket.h>
 #include <unistd.h>
-
-#include <fcntl.h>
 
 namespace KDV {
 namespace {
@@ -22,13 +20,11 @@ constexpr int mostBursts = 5;          // but in a storm of them somebody is tol
 int openSocket()
 {
     const int fd = socket(AF_NETLINK, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, NETLINK_KOBJECT_UEVENT);
-    if (fd < 0)
-        return -1;
+    if (fd < 0) return -1;
     sockaddr_nl address{};
     address.nl_family = AF_NETLINK;
     address.nl_groups = 1; // the kernel's own messages
-    if (bind(fd, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0)
-        return fd;
+    if (bind(fd, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0) return fd;
     close(fd);
     return -1;
 }
@@ -42,10 +38,8 @@ bool drain(int fd)
         sockaddr_nl sender{};
         socklen_t length = sizeof sender;
         const ssize_t got = recvfrom(fd, buffer, sizeof buffer, 0, reinterpret_cast<sockaddr*>(&sender), &length);
-        if (got < 0 && errno == EINTR)
-            continue;
-        if (got < 0)
-            return plug || errno == ENOBUFS;
+        if (got < 0 && errno == EINTR) continue;
+        if (got < 0) return plug || errno == ENOBUFS;
         if (sender.nl_pid == 0) // any process may send here; only the kernel is believed
             plug = plug || tellsOfPlug({buffer, static_cast<std::size_t>(got)});
     }
@@ -74,8 +68,7 @@ bool tellsOfPlug(std::string_view message)
     }
     const bool ofStorage = subsystem == "scsi" || subsystem == "scsi_disk" || subsystem == "scsi_host" ||
                            subsystem == "enclosure" || subsystem == "sas_end_device" || subsystem == "block";
-    if (subsystem == "block" && name.substr(0, 2) != "sd" && name.substr(0, 2) != "md")
-        return false;
+    if (subsystem == "block" && name.substr(0, 2) != "sd" && name.substr(0, 2) != "md") return false;
     return ofStorage && (comesOrGoes || (changes && (name.substr(0, 2) == "md" || subsystem == "scsi")));
 }
 
@@ -86,8 +79,7 @@ PlugEvents::PlugEvents(std::function<void()> plugged) : _plugged(std::move(plugg
         return;
     }
     _socket = openSocket();
-    if (_socket < 0)
-        return;
+    if (_socket < 0) return;
     sigset_t all;
     sigset_t before;
     sigfillset(&all);
@@ -103,14 +95,10 @@ PlugEvents::PlugEvents(std::function<void()> plugged) : _plugged(std::move(plugg
 
 PlugEvents::~PlugEvents()
 {
-    if (_end[1] >= 0)
-        close(_end[1]); // the thread sees it and ends
-    if (_thread.joinable())
-        _thread.join();
-    if (_end[0] >= 0)
-        close(_end[0]);
-    if (_socket >= 0)
-        close(_socket);
+    if (_end[1] >= 0) close(_end[1]); // the thread sees it and ends
+    if (_thread.joinable()) _thread.join();
+    if (_end[0] >= 0) close(_end[0]);
+    if (_socket >= 0) close(_socket);
 }
 
 void PlugEvents::listen()
@@ -119,10 +107,8 @@ void PlugEvents::listen()
     for (;;) {
         pollfd waiting[2] = {{_socket, POLLIN, 0}, {_end[0], POLLIN, 0}};
         const int ready = poll(waiting, 2, bursts > 0 ? quietMilliseconds : -1);
-        if (ready > 0 && waiting[1].revents != 0)
-            return;
-        if (ready > 0 && drain(_socket))
-            ++bursts;
+        if (ready > 0 && waiting[1].revents != 0) return;
+        if (ready > 0 && drain(_socket)) ++bursts;
         if (bursts > 0 && (ready == 0 || bursts >= mostBursts)) {
             bursts = 0;
             _plugged();

@@ -35,8 +35,7 @@ std::uint32_t numberAt(const unsigned char* at, std::size_t bytes)
 Json codeOf(const FieldRow& row, std::uint32_t code)
 {
     for (const CodeWord& word : row.words) {
-        if (word.code == code)
-            return std::string(word.word);
+        if (word.code == code) return std::string(word.word);
     }
     return code;
 }
@@ -68,13 +67,18 @@ Json fieldsOfRecord(const Record& record)
         switch (row.form) {
         case FieldForm::Text: {
             const auto* text = reinterpret_cast<const char*>(at);
-            if (*text != '\0')
-                fields[name] = std::string(text, ::strnlen(text, row.bytes));
+            if (*text != '\0') fields[name] = std::string(text, ::strnlen(text, row.bytes));
             break;
         }
-        case FieldForm::Code: fields[name] = codeOf(row, *at); break;
-        case FieldForm::Number: fields[name] = numberAt(at, row.bytes); break;
-        case FieldForm::SignedNumber: fields[name] = static_cast<std::int8_t>(*at); break;
+        case FieldForm::Code:
+            fields[name] = codeOf(row, *at);
+            break;
+        case FieldForm::Number:
+            fields[name] = numberAt(at, row.bytes);
+            break;
+        case FieldForm::SignedNumber:
+            fields[name] = static_cast<std::int8_t>(*at);
+            break;
         case FieldForm::DriveNumber:
             fields[name] = numberAt(at, 4) == noDrive ? Json("none") : Json(numberAt(at, 4));
             break;

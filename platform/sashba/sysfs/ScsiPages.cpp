@@ -5,16 +5,12 @@
 namespace KDV {
 namespace {
 
-std::string textOf(ByteView bytes)
-{
-    return std::string(trimmed(bytes.chars()));
-}
+std::string textOf(ByteView bytes) { return std::string(trimmed(bytes.chars())); }
 
 // What follows the four-byte header of a VPD page; empty when it is another page.
 ByteView vpdBody(ByteView page, std::uint8_t code)
 {
-    if (page.size() < 4 || page.u8(1) != code)
-        return {};
+    if (page.size() < 4 || page.u8(1) != code) return {};
     return page.part(4, page.u16(2));
 }
 
@@ -31,8 +27,7 @@ ByteView logParameter(ByteView body, std::uint16_t code)
 {
     while (body.size() >= 4) {
         const std::size_t length = body.u8(3);
-        if (body.u16(0) == code)
-            return body.part(4, length);
+        if (body.u16(0) == code) return body.part(4, length);
         body = body.from(4 + length);
     }
     return {};
@@ -53,8 +48,7 @@ std::string ataText(ByteView identify, std::size_t firstWord, std::size_t words)
 
 std::optional<InquiryData> parseInquiry(ByteView data)
 {
-    if (data.size() < 36)
-        return std::nullopt;
+    if (data.size() < 36) return std::nullopt;
     InquiryData inquiry;
     inquiry.type = data.u8(0) & 0x1F;
     inquiry.enclosureServices = (data.u8(6) & 0x40) != 0;
@@ -64,10 +58,7 @@ std::optional<InquiryData> parseInquiry(ByteView data)
     return inquiry;
 }
 
-std::string parseUnitSerialNumber(ByteView page)
-{
-    return textOf(vpdBody(page, 0x80));
-}
+std::string parseUnitSerialNumber(ByteView page) { return textOf(vpdBody(page, 0x80)); }
 
 std::optional<std::uint64_t> parseNaaName(ByteView page)
 {
@@ -77,8 +68,7 @@ std::optional<std::uint64_t> parseNaaName(ByteView page)
         const bool ofLogicalUnit = (body.u8(1) & 0x30) == 0;
         const bool naa = (body.u8(1) & 0x0F) == 3;
         const ByteView name = body.part(4, length);
-        if (ofLogicalUnit && naa && length == 8 && name.size() == 8 && name.u64(0) != 0)
-            return name.u64(0);
+        if (ofLogicalUnit && naa && length == 8 && name.size() == 8 && name.u64(0) != 0) return name.u64(0);
         body = body.from(4 + length);
     }
     return std::nullopt;
@@ -87,8 +77,7 @@ std::optional<std::uint64_t> parseNaaName(ByteView page)
 std::optional<std::uint16_t> parseRotationRate(ByteView page)
 {
     const ByteView body = vpdBody(page, 0xB1);
-    if (body.size() < 2)
-        return std::nullopt;
+    if (body.size() < 2) return std::nullopt;
     return body.u16(0);
 }
 
@@ -96,8 +85,7 @@ std::optional<AtaIdentity> parseAtaInformation(ByteView page)
 {
     constexpr std::size_t identifyAt = 60;
     constexpr std::size_t identifyBytes = 512;
-    if (page.size() < identifyAt + identifyBytes || page.u8(1) != 0x89)
-        return std::nullopt;
+    if (page.size() < identifyAt + identifyBytes || page.u8(1) != 0x89) return std::nullopt;
     const ByteView identify = page.part(identifyAt, identifyBytes);
     AtaIdentity ata;
     ata.serial = ataText(identify, 10, 10);
@@ -124,24 +112,21 @@ std::optional<std::uint8_t> parseTemperature(ByteView page)
 std::optional<std::uint8_t> parseEnduranceUsed(ByteView page)
 {
     const ByteView data = logParameter(logBody(page, 0x11), 0x0001);
-    if (data.size() < 4)
-        return std::nullopt;
+    if (data.size() < 4) return std::nullopt;
     return data.u8(3);
 }
 
 std::optional<std::uint32_t> parsePowerOnMinutes(ByteView page)
 {
     const ByteView data = logParameter(logBody(page, 0x15), 0x0000);
-    if (data.size() < 4)
-        return std::nullopt;
+    if (data.size() < 4) return std::nullopt;
     return data.u32(0);
 }
 
 std::optional<InformationalExceptions> parseInformationalExceptions(ByteView page)
 {
     const ByteView data = logParameter(logBody(page, 0x2F), 0x0000);
-    if (data.size() < 2)
-        return std::nullopt;
+    if (data.size() < 2) return std::nullopt;
     return InformationalExceptions{data.u8(0), data.u8(1)};
 }
 

@@ -13,8 +13,8 @@
 namespace KDV {
 
 struct InquiryData {
-    std::uint8_t type = 0x1F;           // 0 disk, 0x0D enclosure services, 0x14 zoned disk, 0x1F none
-    bool enclosureServices = false;     // EncServ
+    std::uint8_t type = 0x1F;       // 0 disk, 0x0D enclosure services, 0x14 zoned disk, 0x1F none
+    bool enclosureServices = false; // EncServ
     std::string vendor;
     std::string product;
     std::string revision;
@@ -23,8 +23,8 @@ struct InquiryData {
 struct AtaIdentity { // from the ATA Information page
     std::string serial;
     std::string model;
-    std::string firmware;               // up to 8 characters where INQUIRY has 4
-    std::uint16_t rotation = 0;         // as in the Block Device Characteristics page
+    std::string firmware;       // up to 8 characters where INQUIRY has 4
+    std::uint16_t rotation = 0; // as in the Block Device Characteristics page
 };
 
 struct InformationalExceptions {
@@ -38,15 +38,15 @@ struct InformationalExceptions {
 
 std::optional<InquiryData> parseInquiry(ByteView data);
 
-std::string parseUnitSerialNumber(ByteView page);                          // VPD 80h; empty when there is none
-std::optional<std::uint64_t> parseNaaName(ByteView page);                  // VPD 83h, 8-byte NAA of the logical unit
+std::string parseUnitSerialNumber(ByteView page);              // VPD 80h; empty when there is none
+std::optional<std::uint64_t> parseNaaName(ByteView page);      // VPD 83h, 8-byte NAA of the logical unit
 std::optional<std::uint16_t> parseRotationRate(ByteView page); // VPD B1h: 0 unknown, 1 solid state, else rpm
-std::optional<AtaIdentity> parseAtaInformation(ByteView page);             // VPD 89h
+std::optional<AtaIdentity> parseAtaInformation(ByteView page); // VPD 89h
 
-std::vector<std::uint8_t> parseSupportedLogPages(ByteView page);           // log 00h
-std::optional<std::uint8_t> parseTemperature(ByteView page);               // log 0Dh, degrees Celsius
-std::optional<std::uint8_t> parseEnduranceUsed(ByteView page);             // log 11h, percent, may pass 100
-std::optional<std::uint32_t> parsePowerOnMinutes(ByteView page);           // log 15h
+std::vector<std::uint8_t> parseSupportedLogPages(ByteView page);                    // log 00h
+std::optional<std::uint8_t> parseTemperature(ByteView page);                        // log 0Dh, degrees Celsius
+std::optional<std::uint8_t> parseEnduranceUsed(ByteView page);                      // log 11h, percent, may pass 100
+std::optional<std::uint32_t> parsePowerOnMinutes(ByteView page);                    // log 15h
 std::optional<InformationalExceptions> parseInformationalExceptions(ByteView page); // log 2Fh
 
 } // namespace KDV

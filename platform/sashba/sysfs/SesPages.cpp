@@ -11,15 +11,11 @@ constexpr std::uint8_t sasProtocol = 6;
 // What the page says that it has, as far as it is there; empty when it is another page.
 ByteView pageOf(ByteView page, std::uint8_t code)
 {
-    if (page.size() < headerBytes || page.u8(0) != code)
-        return {};
+    if (page.size() < headerBytes || page.u8(0) != code) return {};
     return page.part(0, std::size_t{4} + page.u16(2));
 }
 
-std::string textOf(ByteView bytes)
-{
-    return std::string(trimmed(bytes.chars()));
-}
+std::string textOf(ByteView bytes) { return std::string(trimmed(bytes.chars())); }
 
 std::size_t elementCount(const SesConfiguration& configuration)
 {
@@ -29,10 +25,7 @@ std::size_t elementCount(const SesConfiguration& configuration)
     return count;
 }
 
-bool isSlot(std::uint8_t type)
-{
-    return type == SesElement::deviceSlot || type == SesElement::arrayDeviceSlot;
-}
+bool isSlot(std::uint8_t type) { return type == SesElement::deviceSlot || type == SesElement::arrayDeviceSlot; }
 
 // Indices of the elements that stand for bays.
 std::vector<std::size_t> slotElements(const SesConfiguration& configuration)
@@ -41,8 +34,7 @@ std::vector<std::size_t> slotElements(const SesConfiguration& configuration)
     std::size_t index = 0;
     for (const SesElementType& type : configuration.types) {
         for (std::size_t i = 0; i < type.elements; ++i, ++index) {
-            if (isSlot(type.type))
-                slots.push_back(index);
+            if (isSlot(type.type)) slots.push_back(index);
         }
     }
     return slots;
@@ -53,10 +45,8 @@ std::optional<std::size_t> withoutOverall(std::size_t index, const SesConfigurat
 {
     std::size_t before = 0;
     for (const SesElementType& type : configuration.types) {
-        if (index == 0)
-            return std::nullopt; // the overall element itself
-        if (index <= type.elements)
-            return before + index - 1;
+        if (index == 0) return std::nullopt; // the overall element itself
+        if (index <= type.elements) return before + index - 1;
         index -= std::size_t{1} + type.elements;
         before += type.elements;
     }
@@ -77,8 +67,7 @@ SesSlotAddress parseSasDescriptor(ByteView body, bool hasIndex)
     const ByteView list = body.from(hasIndex ? 4 : 2);
     for (std::size_t phy = 0; phy < phys && list.size() >= (phy + 1) * phyBytes; ++phy) {
         const std::uint64_t sasAddress = list.u64(phy * phyBytes + 12);
-        if (sasAddress != 0)
-            address.sasAddresses.push_back(sasAddress);
+        if (sasAddress != 0) address.sasAddresses.push_back(sasAddress);
     }
     return address;
 }
@@ -114,8 +103,7 @@ std::optional<SesConfiguration> parseSesConfiguration(ByteView whole)
 std::optional<SesStatus> parseSesStatus(ByteView whole, const SesConfiguration& configuration)
 {
     const ByteView page = pageOf(whole, 0x02);
-    if (page.empty())
-        return std::nullopt;
+    if (page.empty()) return std::nullopt;
     SesStatus status;
     status.flags = page.u8(1);
     status.generation = page.u32(4);
@@ -123,8 +111,7 @@ std::optional<SesStatus> parseSesStatus(ByteView whole, const SesConfiguration& 
     for (const SesElementType& type : configuration.types) {
         at += 4; // the overall one
         for (std::size_t i = 0; i < type.elements; ++i, at += 4) {
-            if (at + 4 > page.size())
-                return status;
+            if (at + 4 > page.size()) return status;
             SesElementStatus element;
             element.type = type.type;
             element.code = page.u8(at) & 0x0F;
@@ -149,8 +136,7 @@ std::vector<std::string> parseSesDescriptors(ByteView whole, const SesConfigurat
         return text;
     };
     for (const SesElementType& type : configuration.types) {
-        if (at + 4 > page.size())
-            return texts;
+        if (at + 4 > page.size()) return texts;
         next(); // the overall one
         for (std::size_t i = 0; i < type.elements && at + 4 <= page.size(); ++i)
             texts.push_back(next());
@@ -169,8 +155,7 @@ std::vector<SesSlotAddress> parseSesAdditionalStatus(ByteView whole, const SesCo
         const ByteView descriptor = page.part(at, std::size_t{2} + page.u8(at + 1));
         const bool invalid = (descriptor.u8(0) & 0x80) != 0;
         const bool hasIndex = (descriptor.u8(0) & 0x10) != 0;
-        if (invalid || (descriptor.u8(0) & 0x0F) != sasProtocol)
-            continue;
+        if (invalid || (descriptor.u8(0) & 0x0F) != sasProtocol) continue;
         SesSlotAddress address = parseSasDescriptor(descriptor.from(hasIndex ? 4 : 2), hasIndex);
         if (!hasIndex)
             address.element = order < slots.size() ? std::optional<std::size_t>(slots[order]) : std::nullopt;
@@ -178,8 +163,7 @@ std::vector<SesSlotAddress> parseSesAdditionalStatus(ByteView whole, const SesCo
             address.element = withoutOverall(descriptor.u8(3), configuration);
         else
             address.element = descriptor.u8(3);
-        if (address.element && *address.element < count)
-            addresses.push_back(std::move(address));
+        if (address.element && *address.element < count) addresses.push_back(std::move(address));
     }
     return addresses;
 }

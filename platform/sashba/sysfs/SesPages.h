@@ -38,7 +38,7 @@ struct SesElementType {
 
 struct SesConfiguration {
     std::uint32_t generation = 0;
-    std::uint64_t logicalId = 0;        // of the primary subenclosure, like the texts
+    std::uint64_t logicalId = 0; // of the primary subenclosure, like the texts
     std::string vendor, product, revision;
     std::vector<SesElementType> types;
 };
@@ -46,12 +46,12 @@ struct SesConfiguration {
 struct SesElementStatus {
     std::uint8_t type = 0;
     std::uint8_t code = 0;
-    std::uint8_t bytes[3] = {};         // after the one with the code
-    bool predictedFailure = false;      // PRDFAIL
+    std::uint8_t bytes[3] = {};    // after the one with the code
+    bool predictedFailure = false; // PRDFAIL
 };
 
 struct SesStatus {
-    std::uint8_t flags = 0;             // INVOP 10h, NON-CRIT 04h, CRIT 02h, UNRECOV 01h
+    std::uint8_t flags = 0; // INVOP 10h, NON-CRIT 04h, CRIT 02h, UNRECOV 01h
     std::uint32_t generation = 0;
     std::vector<SesElementStatus> elements; // single ones in order, without the overall ones
 };
@@ -71,7 +71,7 @@ std::vector<SesSlotAddress> parseSesAdditionalStatus(ByteView page, const SesCon
 // The pages together, in the codes of the records.
 struct SlotHealth {
     std::optional<std::uint8_t> slot;
-    std::string name;                   // as the enclosure writes it
+    std::string name; // as the enclosure writes it
     bool failed = false;
     bool failurePredicted = false;
     std::vector<std::uint64_t> sasAddresses;
@@ -80,10 +80,10 @@ struct SlotHealth {
 struct EnclosureState {
     std::uint64_t logicalId = 0;
     std::string vendor, product, revision;
-    std::uint8_t status = 0;            // 0 unknown, 2 OK, 3 degraded, 4 failed
-    std::uint8_t fans = 0;              // 0 unknown, 2 OK, 3 degraded, 5 failed
-    std::uint8_t power = 0;             // likewise
-    std::uint8_t temperature = 0;       // 0 unknown, 2 OK, 3 degraded, 4 failed
+    std::uint8_t status = 0;      // 0 unknown, 2 OK, 3 degraded, 4 failed
+    std::uint8_t fans = 0;        // 0 unknown, 2 OK, 3 degraded, 5 failed
+    std::uint8_t power = 0;       // likewise
+    std::uint8_t temperature = 0; // 0 unknown, 2 OK, 3 degraded, 4 failed
     std::size_t bays = 0;
     std::vector<SlotHealth> slots;
 };

@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
-
 #include <fcntl.h>
 #include <scsi/sg.h>
 #include <sys/ioctl.h>
@@ -93,8 +92,7 @@ private:
         Reply reply;
         for (int attempt = 0; attempt < attempts; ++attempt) {
             reply = runOnce(command, commandBytes, data, dataBytes);
-            if (!reply.again)
-                break;
+            if (!reply.again) break;
         }
         return reply;
     }
@@ -167,10 +165,8 @@ ReadyReply judgeReply(std::uint8_t scsiStatus, std::uint16_t hostStatus, ByteVie
         reply.readiness = Readiness::NoConnect;
         return reply;
     }
-    if (hostStatus == timeOut)
-        reply.timedOut = true;
-    if (hostStatus != 0)
-        return reply;
+    if (hostStatus == timeOut) reply.timedOut = true;
+    if (hostStatus != 0) return reply;
     const bool descriptors = (sense.u8(0) & 0x7F) >= 0x72;
     const std::uint8_t asc = sense.u8(descriptors ? 2 : 12);
     const std::uint8_t ascq = sense.u8(descriptors ? 3 : 13);
@@ -185,9 +181,6 @@ ReadyReply judgeReply(std::uint8_t scsiStatus, std::uint16_t hostStatus, ByteVie
     return reply;
 }
 
-std::unique_ptr<DeviceOpener> makeSgOpener()
-{
-    return std::make_unique<SgOpener>();
-}
+std::unique_ptr<DeviceOpener> makeSgOpener() { return std::make_unique<SgOpener>(); }
 
 } // namespace KDV

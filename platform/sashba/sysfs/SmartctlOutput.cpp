@@ -19,11 +19,9 @@ const Json* below(const Json& from, std::initializer_list<const char*> names)
 {
     const Json* at = &from;
     for (const char* name : names) {
-        if (!at->is_object())
-            return nullptr;
+        if (!at->is_object()) return nullptr;
         const auto found = at->find(name);
-        if (found == at->end())
-            return nullptr;
+        if (found == at->end()) return nullptr;
         at = &*found;
     }
     return at;
@@ -49,8 +47,7 @@ std::string firstText(const Json& from, std::initializer_list<const char*> names
 {
     for (const char* name : names) {
         std::string text = textBelow(from, {name});
-        if (!text.empty())
-            return text;
+        if (!text.empty()) return text;
     }
     return {};
 }
@@ -65,12 +62,10 @@ std::optional<bool> flagBelow(const Json& from, std::initializer_list<const char
 std::optional<std::uint32_t> enduranceInStatistics(const Json& root)
 {
     const Json* pages = below(root, {"ata_device_statistics", "pages"});
-    if (!pages || !pages->is_array())
-        return std::nullopt;
+    if (!pages || !pages->is_array()) return std::nullopt;
     for (const Json& page : *pages) {
         const Json* table = below(page, {"table"});
-        if (!table || !table->is_array())
-            continue;
+        if (!table || !table->is_array()) continue;
         for (const Json& row : *table) {
             if (textBelow(row, {"name"}) == "Percentage Used Endurance Indicator" &&
                 flagBelow(row, {"flags", "valid"}).value_or(true))
@@ -83,12 +78,10 @@ std::optional<std::uint32_t> enduranceInStatistics(const Json& root)
 bool saysAsleep(const Json& root)
 {
     const Json* messages = below(root, {"smartctl", "messages"});
-    if (!messages || !messages->is_array())
-        return false;
+    if (!messages || !messages->is_array()) return false;
     for (const Json& message : *messages) {
         const std::string text = textBelow(message, {"string"});
-        if (text.find("STANDBY") != std::string::npos || text.find("SLEEP") != std::string::npos)
-            return true;
+        if (text.find("STANDBY") != std::string::npos || text.find("SLEEP") != std::string::npos) return true;
     }
     return false;
 }
@@ -104,11 +97,9 @@ std::optional<std::uint16_t> rotationOf(const Json& root)
 
 std::optional<SmartctlReport> parseSmartctlOutput(std::string_view output)
 {
-    if (output.size() > mostBytes)
-        return std::nullopt;
+    if (output.size() > mostBytes) return std::nullopt;
     const Json root = Json::parse(output.begin(), output.end(), nullptr, false);
-    if (!root.is_object() || !below(root, {"smartctl"}))
-        return std::nullopt;
+    if (!root.is_object() || !below(root, {"smartctl"})) return std::nullopt;
     SmartctlReport report;
     report.exitStatus = numberBelow<std::uint8_t>(root, {"smartctl", "exit_status"}).value_or(std::uint8_t{0});
     report.asleep = saysAsleep(root);
@@ -116,8 +107,7 @@ std::optional<SmartctlReport> parseSmartctlOutput(std::string_view output)
     report.passed = flagBelow(root, {"smart_status", "passed"});
     report.powerOnHours = numberBelow<std::uint32_t>(root, {"power_on_time", "hours"});
     report.enduranceUsed = numberBelow<std::uint32_t>(root, {"scsi_percentage_used_endurance_indicator"});
-    if (!report.enduranceUsed)
-        report.enduranceUsed = enduranceInStatistics(root);
+    if (!report.enduranceUsed) report.enduranceUsed = enduranceInStatistics(root);
     report.rotation = rotationOf(root);
     report.temperature = numberBelow<std::uint8_t>(root, {"temperature", "current"});
     if (!report.supported && report.temperature == std::uint8_t{0})

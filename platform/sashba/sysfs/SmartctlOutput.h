@@ -10,14 +10,14 @@
 namespace KDV {
 
 struct SmartctlReport {
-    int exitStatus = 0; // bits: 1 bad call, 2 device not opened or asleep, 4 a command failed ...
-    bool asleep = false;                       // it did not look further, so as not to wake the disk
-    bool supported = true;                     // the disk has a health status at all
+    int exitStatus = 0;    // bits: 1 bad call, 2 device not opened or asleep, 4 a command failed ...
+    bool asleep = false;   // it did not look further, so as not to wake the disk
+    bool supported = true; // the disk has a health status at all
     std::optional<bool> passed;
     std::optional<std::uint32_t> powerOnHours;
     std::optional<std::uint32_t> enduranceUsed; // percent
-    std::optional<std::uint16_t> rotation;     // 1 solid state, as on the Block Device Characteristics page
-    std::optional<std::uint8_t> temperature;   // degrees Celsius
+    std::optional<std::uint16_t> rotation;      // 1 solid state, as on the Block Device Characteristics page
+    std::optional<std::uint8_t> temperature;    // degrees Celsius
     std::string serial, firmware;
     std::string vendor, model;
 };

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cerrno>
-
 #include <fcntl.h>
 #include <poll.h>
 #include <signal.h>
@@ -20,14 +19,12 @@ struct Pipe {
     int ends[2] = {-1, -1};
     Pipe()
     {
-        if (pipe2(ends, O_CLOEXEC) != 0)
-            ends[0] = ends[1] = -1;
+        if (pipe2(ends, O_CLOEXEC) != 0) ends[0] = ends[1] = -1;
     }
     ~Pipe()
     {
         for (const int end : ends) {
-            if (end >= 0)
-                close(end);
+            if (end >= 0) close(end);
         }
     }
     Pipe(const Pipe&) = delete;
@@ -44,8 +41,7 @@ bool spawn(const std::string& program, const std::vector<std::string>& arguments
 {
     posix_spawn_file_actions_t files;
     posix_spawnattr_t attributes;
-    if (posix_spawn_file_actions_init(&files) != 0)
-        return false;
+    if (posix_spawn_file_actions_init(&files) != 0) return false;
     if (posix_spawnattr_init(&attributes) != 0) {
         posix_spawn_file_actions_destroy(&files);
         return false;
@@ -85,20 +81,14 @@ bool readAll(int fd, std::chrono::milliseconds deadline, std::string& output)
             std::chrono::duration_cast<std::chrono::milliseconds>(end - std::chrono::steady_clock::now()).count();
         pollfd waiting{fd, POLLIN, 0};
         const int ready = left > 0 ? poll(&waiting, 1, static_cast<int>(std::min<long long>(left, 60000))) : 0;
-        if (ready < 0 && errno == EINTR)
-            continue;
-        if (ready < 0 || (ready == 0 && left <= 60000))
-            return false;
-        if (ready == 0)
-            continue;
+        if (ready < 0 && errno == EINTR) continue;
+        if (ready < 0 || (ready == 0 && left <= 60000)) return false;
+        if (ready == 0) continue;
         char buffer[4096];
         const ssize_t got = read(fd, buffer, sizeof buffer);
-        if (got == 0)
-            return true;
-        if ((got < 0 && errno != EINTR) || output.size() > mostBytes)
-            return false;
-        if (got > 0)
-            output.append(buffer, static_cast<std::size_t>(got));
+        if (got == 0) return true;
+        if ((got < 0 && errno != EINTR) || output.size() > mostBytes) return false;
+        if (got > 0) output.append(buffer, static_cast<std::size_t>(got));
     }
 }
 
@@ -109,13 +99,11 @@ std::string outputOf(const std::string& program, const std::vector<std::string>&
 {
     Pipe pipe;
     pid_t child = -1;
-    if (pipe.ends[0] < 0 || !spawn(program, arguments, pipe.ends[1], child))
-        return {};
+    if (pipe.ends[0] < 0 || !spawn(program, arguments, pipe.ends[1], child)) return {};
     pipe.closeWriter();
     std::string output;
     const bool whole = readAll(pipe.ends[0], deadline, output);
-    if (!whole)
-        kill(child, SIGKILL);
+    if (!whole) kill(child, SIGKILL);
     while (waitpid(child, nullptr, 0) < 0 && errno == EINTR) { // gone already where the server ignores its children
     }
     return whole ? output : std::string();
@@ -125,8 +113,7 @@ std::string runSmartctl(const std::string& node, std::chrono::milliseconds deadl
 {
     const auto* const program =
         std::find_if(std::begin(places), std::end(places), [](const char* place) { return access(place, X_OK) == 0; });
-    if (program == std::end(places))
-        return {};
+    if (program == std::end(places)) return {};
     return outputOf(*program, {"--json", "--nocheck=standby", "-i", "-H", "-A", "-l", "devstat", node}, deadline);
 }
 

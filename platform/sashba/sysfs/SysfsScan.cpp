@@ -21,14 +21,11 @@ std::set<std::string> devicePaths(const SysfsTree& tree)
     std::set<std::string> paths;
     for (const char* folder : {"class/scsi_device", "bus/scsi/devices"}) {
         for (const std::string& name : tree.names(folder)) {
-            if (!parseScsiAddress(name))
-                continue;
+            if (!parseScsiAddress(name)) continue;
             const std::string device = splitDevicePath(tree.target(std::string(folder) + "/" + name)).device;
-            if (!device.empty() && lastOf(device) == name)
-                paths.insert(device);
+            if (!device.empty() && lastOf(device) == name) paths.insert(device);
         }
-        if (!paths.empty())
-            break;
+        if (!paths.empty()) break;
     }
     return paths;
 }
@@ -64,19 +61,16 @@ void SysfsScan::readDevices(LiveMachine& machine)
     const std::set<std::uint32_t> hosts = hostsOf(machine);
     std::vector<std::string> paths;
     for (const std::string& path : devicePaths(_tree)) {
-        if (hosts.count(parseScsiAddress(lastOf(path))->host) != 0)
-            paths.push_back(path);
+        if (hosts.count(parseScsiAddress(lastOf(path))->host) != 0) paths.push_back(path);
     }
     auto turn = std::upper_bound(paths.begin(), paths.end(), _again);
     std::set<std::string> again;
     for (std::size_t i = 0; i < std::min(readAgainAtOnce, paths.size()); ++i) {
-        if (turn == paths.end())
-            turn = paths.begin();
+        if (turn == paths.end()) turn = paths.begin();
         again.insert(_again = *turn++);
     }
     for (const std::string& path : paths) {
-        if (const ScsiDevice* device = read(path, again.count(path) != 0))
-            machine.devices.push_back(*device);
+        if (const ScsiDevice* device = read(path, again.count(path) != 0)) machine.devices.push_back(*device);
     }
     for (auto known = _known.begin(); known != _known.end();)
         known = known->second.scan == _scans ? std::next(known) : _known.erase(known);
@@ -98,8 +92,7 @@ const ScsiDevice* SysfsScan::read(const std::string& path, bool again)
         return &found->second.device;
     }
     std::optional<ScsiDevice> device = readScsiDevice(_tree, path);
-    if (!device)
-        return nullptr;
+    if (!device) return nullptr;
     Known& known = _known[path];
     known = {std::move(*device), _scans};
     return &known.device;
@@ -112,8 +105,7 @@ void SysfsScan::readExpanders(LiveMachine& machine) const
         const std::string attributes = _tree.target("class/sas_expander/" + name);
         const DevicePath split = splitDevicePath(attributes);
         const std::optional<std::uint32_t> host = parseHostName(lastOf(split.host));
-        if (split.expander.empty() || !host || hosts.count(*host) == 0)
-            continue;
+        if (split.expander.empty() || !host || hosts.count(*host) == 0) continue;
         LiveExpander expander;
         expander.path = parentOf(parentOf(attributes));
         expander.host = *host;
@@ -132,8 +124,7 @@ void SysfsScan::readEnclosures(LiveMachine& machine) const
     for (const std::string& name : _tree.names("class/enclosure")) {
         const std::string path = _tree.target("class/enclosure/" + name);
         const DevicePath split = splitDevicePath(path);
-        if (path.empty() || split.device.empty())
-            continue;
+        if (path.empty() || split.device.empty()) continue;
         LiveEnclosure enclosure;
         enclosure.path = path;
         enclosure.device = split.device;

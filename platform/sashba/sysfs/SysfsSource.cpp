@@ -14,8 +14,7 @@ std::vector<AskedDevice> devicesToAsk(const LiveMachine& live)
         const auto hba = std::find_if(live.hbas.begin(), live.hbas.end(),
                                       [&device](const LiveHba& h) { return h.host == device.address.host; });
         AskedDevice asked;
-        if (hba == live.hbas.end())
-            continue;
+        if (hba == live.hbas.end()) continue;
         if (device.isDisk())
             asked.kind = isFirmwareVolume(device, *hba) ? AskedKind::FirmwareVolume : AskedKind::Disk;
         else if (device.type == ScsiDevice::enclosureServices)
@@ -31,8 +30,7 @@ std::vector<AskedDevice> devicesToAsk(const LiveMachine& live)
         asked.transport = device.transport;
         asked.spins = device.rotation != std::uint16_t{1};
         for (const LiveEnclosure& enclosure : live.enclosures) {
-            if (enclosure.device == device.path)
-                asked.enclosure = enclosure.path;
+            if (enclosure.device == device.path) asked.enclosure = enclosure.path;
         }
         devices.push_back(std::move(asked));
     }
@@ -50,8 +48,7 @@ void SysfsSource::load(RecordTree& tree)
 {
     const LiveMachine live = _scan.scan();
     ask(live);
-    if (_asking)
-        _asking->waitForAll(_settings.firstAnswers);
+    if (_asking) _asking->waitForAll(_settings.firstAnswers);
     take(tree, live);
 }
 
@@ -65,12 +62,9 @@ void SysfsSource::refresh(RecordTree& tree)
 // Threads begin with the first adapter: a machine without one stays as it was.
 void SysfsSource::ask(const LiveMachine& live)
 {
-    if (live.hbas.empty() && !_asking)
-        return;
-    if (_surroundings.listenToPlugs && !_plugs)
-        _plugs = std::make_unique<PlugEvents>(_surroundings.requestPass);
-    if (!_surroundings.opener)
-        return;
+    if (live.hbas.empty() && !_asking) return;
+    if (_surroundings.listenToPlugs && !_plugs) _plugs = std::make_unique<PlugEvents>(_surroundings.requestPass);
+    if (!_surroundings.opener) return;
     if (!_asking)
         _asking = std::make_unique<AskingThreads>(_sysfs, _surroundings.opener, _settings.asking,
                                                   _surroundings.reportError, _surroundings.reportInfo);
@@ -82,8 +76,7 @@ void SysfsSource::take(RecordTree& tree, const LiveMachine& live)
     const Machine machine = _builder.build(live, _asking ? _asking->answers() : DeviceAnswers());
     tree.take(machine);
     reportHbas(machine);
-    if (_builder.wantsAnotherPass())
-        _surroundings.requestPass();
+    if (_builder.wantsAnotherPass()) _surroundings.requestPass();
 }
 
 // One line a change, not one a refresh.
@@ -97,8 +90,7 @@ void SysfsSource::reportHbas(const Machine& machine)
         for (const MachineHba& hba : machine)
             text += " [" + std::string(textOf(hba.hba.image.name)) + "]";
     }
-    if (text == _reported)
-        return;
+    if (text == _reported) return;
     _surroundings.reportInfo(text);
     _reported = text;
 }

@@ -4,12 +4,11 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <utility>
-
 #include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <utility>
 
 namespace KDV {
 namespace {
@@ -24,8 +23,7 @@ public:
     explicit OpenFile(int fd) : _fd(fd) {}
     ~OpenFile()
     {
-        if (_fd >= 0)
-            close(_fd);
+        if (_fd >= 0) close(_fd);
     }
     OpenFile(const OpenFile&) = delete;
     OpenFile& operator=(const OpenFile&) = delete;
@@ -45,11 +43,9 @@ std::string walk(std::string base, const std::string& link)
         const std::size_t end = std::min(link.find('/', at), link.size());
         const std::string step = link.substr(at, end - at);
         at = end + 1;
-        if (step.empty() || step == ".")
-            continue;
+        if (step.empty() || step == ".") continue;
         if (step == "..") {
-            if (base.empty())
-                return {};
+            if (base.empty()) return {};
             base = parentOf(base);
         } else {
             base += (base.empty() ? "" : "/") + step;
@@ -79,24 +75,20 @@ SysfsTree::SysfsTree(std::string root)
 
 SysfsTree::~SysfsTree()
 {
-    if (_rootFd >= 0)
-        close(_rootFd);
+    if (_rootFd >= 0) close(_rootFd);
 }
 
 std::optional<std::string> SysfsTree::bytes(const std::string& path) const
 {
     const OpenFile file(openat(_rootFd, path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY));
     struct stat status {};
-    if (!file || fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode))
-        return std::nullopt;
+    if (!file || fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode)) return std::nullopt;
     char buffer[mostBytes];
     std::size_t filled = 0;
     while (filled < sizeof buffer) {
         const ssize_t got = read(file.get(), buffer + filled, sizeof buffer - filled);
-        if (got < 0 && errno == EINTR)
-            continue;
-        if (got < 0)
-            return std::nullopt; // a driver says that it has no such value, or the device has just gone
+        if (got < 0 && errno == EINTR) continue;
+        if (got < 0) return std::nullopt; // a driver says that it has no such value, or the device has just gone
         filled += static_cast<std::size_t>(got);
         if (got == 0 || filled < wholePage) // the kernel gives an attribute of less than a page at once
             break;
@@ -110,10 +102,7 @@ std::string SysfsTree::text(const std::string& path) const
     return whole ? std::string(trimmed(*whole)) : std::string();
 }
 
-std::optional<std::uint64_t> SysfsTree::number(const std::string& path) const
-{
-    return wholeNumber(text(path));
-}
+std::optional<std::uint64_t> SysfsTree::number(const std::string& path) const { return wholeNumber(text(path)); }
 
 std::vector<std::string> SysfsTree::names(const std::string& path) const
 {
@@ -121,15 +110,12 @@ std::vector<std::string> SysfsTree::names(const std::string& path) const
     OpenFile folder(
         openat(_rootFd, path.empty() ? "." : path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC | O_NOFOLLOW));
     DIR* stream = folder ? fdopendir(folder.get()) : nullptr;
-    if (!stream)
-        return found;
+    if (!stream) return found;
     folder.release(); // now the stream's
     while (const dirent* entry = readdir(stream)) {
         const std::string name = entry->d_name;
-        if (name != "." && name != "..")
-            found.push_back(name);
-        if (found.size() == mostNames)
-            break;
+        if (name != "." && name != "..") found.push_back(name);
+        if (found.size() == mostNames) break;
     }
     closedir(stream);
     std::sort(found.begin(), found.end(), naturalLess);
@@ -147,16 +133,14 @@ std::string SysfsTree::target(const std::string& path) const
         return folder ? path : std::string();
     }
     const std::string link(buffer, static_cast<std::size_t>(length));
-    if (link.empty() || link.front() == '/' || link.size() == sizeof buffer)
-        return {};
+    if (link.empty() || link.front() == '/' || link.size() == sizeof buffer) return {};
     return walk(parentOf(path), link);
 }
 
 std::uint64_t SysfsTree::identity(const std::string& path) const
 {
     struct stat status {};
-    if (fstatat(_rootFd, path.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0 || !S_ISDIR(status.st_mode))
-        return 0;
+    if (fstatat(_rootFd, path.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0 || !S_ISDIR(status.st_mode)) return 0;
     return static_cast<std::uint64_t>(status.st_ino) * 2 + 1;
 }
 

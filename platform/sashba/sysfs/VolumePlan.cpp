@@ -63,15 +63,12 @@ SasLogicalDriveRecord firmwareVolume(const ScsiDevice& device, const LiveHba& hb
     image.rebuildingDrive = noDrive;
     image.size = mebibytes(device.sectors);
     image.raidLevel = raidLevelCode(device.raidLevel);
-    if (!device.blockName.empty())
-        putWhole(image.osName, "/dev/" + device.blockName);
+    if (!device.blockName.empty()) putWhole(image.osName, "/dev/" + device.blockName);
     if (const auto found = answers.find(askingKey(device)); found != answers.end() && !found->second->hung) {
-        if (!found->second->raidLevel.empty())
-            image.raidLevel = raidLevelCode(found->second->raidLevel);
+        if (!found->second->raidLevel.empty()) image.raidLevel = raidLevelCode(found->second->raidLevel);
         setFirmwareState(image, found->second->raidState);
     }
-    if (device.state == "offline")
-        setStates(image, State::failed, Redundancy::failed);
+    if (device.state == "offline") setStates(image, State::failed, Redundancy::failed);
     return image;
 }
 
@@ -81,8 +78,7 @@ std::uint32_t firmwareNumber(const ScsiDevice& device, const LiveHba& hba, std::
     std::uint64_t number = device.address.lun != 0 ? device.address.lun : device.address.target;
     if (hba.driver == "megaraid_sas" && device.address.channel > 2)
         number += (device.address.channel - 2) * std::uint64_t{128}; // the driver spreads them over channels
-    if (number >= firstArrayNumber)
-        number = 0;
+    if (number >= firstArrayNumber) number = 0;
     while (!taken.insert(static_cast<std::uint32_t>(number)).second)
         ++number;
     return static_cast<std::uint32_t>(number);
@@ -93,8 +89,7 @@ bool hasWord(const std::string& list, std::string_view word) // "in_sync,write_m
     std::string_view rest = list;
     while (!rest.empty()) {
         const std::size_t comma = std::min(rest.find(','), rest.size());
-        if (trimmed(rest.substr(0, comma)) == word)
-            return true;
+        if (trimmed(rest.substr(0, comma)) == word) return true;
         rest.remove_prefix(std::min(comma + 1, rest.size()));
     }
     return false;
@@ -130,11 +125,9 @@ ArrayDrives drivesOf(const MdArray& array, std::uint32_t host, const DrivesByPat
     ArrayDrives found;
     for (const MdMember& member : array.members) {
         const auto drive = drives.find(member.device);
-        if (drive == drives.end() || drive->second.host != host)
-            continue;
+        if (drive == drives.end() || drive->second.host != host) continue;
         const std::uint32_t number = drive->second.number;
-        if (hasWord(member.state, "faulty"))
-            continue; // the array does not use it any more
+        if (hasWord(member.state, "faulty")) continue; // the array does not use it any more
         std::vector<std::uint32_t>& list = member.slot ? found.members : found.spares;
         if (std::find(list.begin(), list.end(), number) == list.end()) // two partitions of one drive
             list.push_back(number);
@@ -148,24 +141,19 @@ ArrayDrives drivesOf(const MdArray& array, std::uint32_t host, const DrivesByPat
 // How many drives may be missing; nothing where that depends on which ones they are.
 std::optional<std::uint64_t> spareableDrives(const MdArray& array)
 {
-    if (array.level == "raid1")
-        return array.disks && *array.disks > 0 ? *array.disks - 1 : 0;
-    if (array.level == "raid4" || array.level == "raid5")
-        return 1;
-    if (array.level == "raid6")
-        return 2;
+    if (array.level == "raid1") return array.disks && *array.disks > 0 ? *array.disks - 1 : 0;
+    if (array.level == "raid4" || array.level == "raid5") return 1;
+    if (array.level == "raid6") return 2;
     return std::nullopt;
 }
 
 void setArrayState(SasLogicalDriveRecord& image, const MdArray& array)
 {
-    if (array.arrayState.empty())
-        return;
+    if (array.arrayState.empty()) return;
     if (array.arrayState == "inactive" || array.arrayState == "clear" || array.arrayState == "broken")
         return setStates(image, State::failed, Redundancy::failed);
     const std::uint64_t missing = array.degraded.value_or(0);
-    if (missing > spareableDrives(array).value_or(missing))
-        return setStates(image, State::failed, Redundancy::failed);
+    if (missing > spareableDrives(array).value_or(missing)) return setStates(image, State::failed, Redundancy::failed);
     if (missing > 0)
         return setStates(image, State::degraded,
                          image.rebuildingDrive != noDrive ? Redundancy::rebuilding : Redundancy::lost);
@@ -173,10 +161,7 @@ void setArrayState(SasLogicalDriveRecord& image, const MdArray& array)
 }
 
 // "md7" is 7; an array with a name has none.
-std::optional<std::uint64_t> numberOfArray(const std::string& name)
-{
-    return wholeNumber(name.substr(2));
-}
+std::optional<std::uint64_t> numberOfArray(const std::string& name) { return wholeNumber(name.substr(2)); }
 
 void addArray(const MdArray& array, const LiveHba& hba, const DrivesByPath& drives, std::set<std::uint32_t>& taken,
               VolumesOfHba& result)
@@ -205,8 +190,7 @@ void addArray(const MdArray& array, const LiveHba& hba, const DrivesByPath& driv
 std::optional<std::uint32_t> hostOf(const MdArray& array, const DrivesByPath& drives)
 {
     for (const MdMember& member : array.members) {
-        if (const auto drive = drives.find(member.device); drive != drives.end())
-            return drive->second.host;
+        if (const auto drive = drives.find(member.device); drive != drives.end()) return drive->second.host;
     }
     return std::nullopt;
 }
@@ -223,12 +207,11 @@ std::uint8_t raidLevelCode(const std::string& text)
     constexpr struct {
         std::string_view name;
         std::uint8_t code;
-    } codes[] = {{"raid0", 2},  {"raid1", 3},     {"raid1(1+0)", 3}, {"raid1(triple)", 3}, {"raid0+1", 4},
-                 {"raid10", 4}, {"raid1e", 4},    {"raid1+0", 4},    {"raid5", 5},         {"raid5+1", 6},
-                 {"raid51", 6}, {"raid1+5", 6}};
+    } codes[] = {{"raid0", 2},   {"raid1", 3},   {"raid1(1+0)", 3}, {"raid1(triple)", 3},
+                 {"raid0+1", 4}, {"raid10", 4},  {"raid1e", 4},     {"raid1+0", 4},
+                 {"raid5", 5},   {"raid5+1", 6}, {"raid51", 6},     {"raid1+5", 6}};
     for (const auto& entry : codes) {
-        if (entry.name == level)
-            return entry.code;
+        if (entry.name == level) return entry.code;
     }
     return 0;
 }
@@ -239,14 +222,12 @@ VolumesOfHba volumesOf(const LiveMachine& machine, const LiveHba& hba, const Dri
     VolumesOfHba result;
     std::set<std::uint32_t> taken;
     for (const ScsiDevice& device : machine.devices) {
-        if (device.address.host != hba.host || !device.isDisk() || !isFirmwareVolume(device, hba))
-            continue;
+        if (device.address.host != hba.host || !device.isDisk() || !isFirmwareVolume(device, hba)) continue;
         result.volumes.push_back(firmwareVolume(device, hba, answers));
         result.volumes.back().logicalDriveNumber = firmwareNumber(device, hba, taken);
     }
     for (const MdArray& array : machine.arrays) {
-        if (hostOf(array, drives) == hba.host)
-            addArray(array, hba, drives, taken, result);
+        if (hostOf(array, drives) == hba.host) addArray(array, hba, drives, taken, result);
     }
     return result;
 }

@@ -1,15 +1,13 @@
 #include "LoadedProvider.h"
-
 #include "broker/RequestScope.h"
 #include "cmpicpp/CmpiStatus.h"
 #include "harness/LogCapture.h"
 
-#include <gtest/gtest.h>
-
 #include <stdexcept>
 #include <thread>
-
 #include <unistd.h>
+
+#include <gtest/gtest.h>
 
 namespace KDV::Test {
 namespace {
@@ -135,8 +133,7 @@ TEST_P(EntryPoints, TryAgainAfterEveryFailureOfTheBroker)
     for (std::uint64_t n = 1; !provider; ++n) {
         broker.failAfter(n, CMPI_RC_ERR_FAILED);
         provider = providerOf(library.createInstanceMI());
-        if (!provider)
-            ++failures;
+        if (!provider) ++failures;
         ASSERT_LT(n, 10'000u);
     }
     broker.failAfter(0, CMPI_RC_OK);
@@ -154,10 +151,18 @@ TEST_P(EntryPoints, MakeOneProviderForManyThreads)
     for (std::size_t i = 0; i < providers.size(); ++i) {
         threads.emplace_back([&, i] {
             switch (i % 4) {
-            case 0: providers[i] = providerOf(library.createInstanceMI()); break;
-            case 1: providers[i] = providerOf(library.createAssociationMI()); break;
-            case 2: providers[i] = providerOf(library.createMethodMI("kdvsashba")); break;
-            default: providers[i] = providerOf(library.createIndicationMI()); break;
+            case 0:
+                providers[i] = providerOf(library.createInstanceMI());
+                break;
+            case 1:
+                providers[i] = providerOf(library.createAssociationMI());
+                break;
+            case 2:
+                providers[i] = providerOf(library.createMethodMI("kdvsashba"));
+                break;
+            default:
+                providers[i] = providerOf(library.createIndicationMI());
+                break;
             }
         });
     }
@@ -187,8 +192,7 @@ TEST_P(EntryPoints, LogUnderTheProviderNameAndTheProcess)
     const Lines lines = log.lines();
     const Lines sources = log.sources();
     for (std::size_t i = 0; i < lines.size(); ++i) {
-        if (lines[i].find("cxtor() loading provider") == std::string::npos)
-            continue;
+        if (lines[i].find("cxtor() loading provider") == std::string::npos) continue;
         ++loading;
         EXPECT_EQ(sources[i], root); // also at the second try
     }

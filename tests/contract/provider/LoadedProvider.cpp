@@ -7,12 +7,11 @@
 #include "cmpicpp/CmpiMethodProvider.h"
 #include "harness/Schema.h"
 
+#include <dlfcn.h>
 #include <filesystem>
 #include <map>
 #include <memory>
 #include <stdexcept>
-
-#include <dlfcn.h>
 #include <unistd.h>
 
 namespace KDV::Test {
@@ -27,8 +26,7 @@ constexpr char builtLibrary[] = KDV_BUILD_DIR "/lib/libKDVSASHBAProvider.so";
 void* openLibrary(const std::string& file, int mode)
 {
     void* library = dlopen(file.c_str(), mode);
-    if (!library)
-        throw std::runtime_error(dlerror());
+    if (!library) throw std::runtime_error(dlerror());
     return library;
 }
 
@@ -36,8 +34,7 @@ void* openCopy()
 {
     char name[] = "/tmp/provider-copy-XXXXXX";
     const int file = mkstemp(name);
-    if (file < 0)
-        throw std::runtime_error("no temporary file");
+    if (file < 0) throw std::runtime_error("no temporary file");
     close(file);
     std::filesystem::copy_file(builtLibrary, name, std::filesystem::copy_options::overwrite_existing);
     void* library = openLibrary(name, RTLD_NOW | RTLD_LOCAL);
@@ -57,8 +54,7 @@ Broker& brokerOf(Profile profile)
 {
     static auto* const brokers = new std::map<Profile, std::unique_ptr<Broker>>;
     std::unique_ptr<Broker>& broker = (*brokers)[profile];
-    if (!broker)
-        broker = std::make_unique<Broker>(schema(), BrokerOptions{profile, true});
+    if (!broker) broker = std::make_unique<Broker>(schema(), BrokerOptions{profile, true});
     return *broker;
 }
 
@@ -66,8 +62,7 @@ TestMachine& loadedMachine()
 {
     static void* const library = openLibrary("libKDVSasHbaMRA.so", RTLD_NOW);
     static const auto machine = reinterpret_cast<TestMachine* (*)()>(dlsym(library, "kdvTestMachine"));
-    if (!machine)
-        throw std::runtime_error("the shipped data library is in place instead of the test's");
+    if (!machine) throw std::runtime_error("the shipped data library is in place instead of the test's");
     return *machine();
 }
 
@@ -89,13 +84,11 @@ Table* LoadedProvider::create(const char* symbol, const char* name)
 {
     using Create = Table* (*)(const CMPIBroker*, const CMPIContext*, const char*, CMPIStatus*);
     const auto entryPoint = reinterpret_cast<Create>(dlsym(_library, symbol));
-    if (!entryPoint)
-        throw std::runtime_error(dlerror());
+    if (!entryPoint) throw std::runtime_error(dlerror());
     RequestScope scope(_broker, "root/vnr");
     CMPIStatus status{CMPI_RC_OK, nullptr};
     Table* table = entryPoint(_broker.cmpi(), &scope.context(), name, &status);
-    if (status.rc != CMPI_RC_OK || status.msg)
-        throw std::runtime_error("the fourth parameter was written");
+    if (status.rc != CMPI_RC_OK || status.msg) throw std::runtime_error("the fourth parameter was written");
     return table;
 }
 
@@ -129,14 +122,16 @@ Requests LoadedProvider::requests()
 CMPIrc LoadedProvider::cleanup(bool terminating, int table)
 {
     RequestScope scope(_broker, "root/vnr");
-    const auto end = [&](auto* mi) {
-        return mi ? mi->ft->cleanup(mi, &scope.context(), terminating).rc : CMPI_RC_OK;
-    };
+    const auto end = [&](auto* mi) { return mi ? mi->ft->cleanup(mi, &scope.context(), terminating).rc : CMPI_RC_OK; };
     switch (table) {
-    case 0: return end(_tables.instance);
-    case 1: return end(_tables.association);
-    case 2: return end(_tables.method);
-    default: return end(_tables.indication);
+    case 0:
+        return end(_tables.instance);
+    case 1:
+        return end(_tables.association);
+    case 2:
+        return end(_tables.method);
+    default:
+        return end(_tables.indication);
     }
 }
 

@@ -1,12 +1,11 @@
 // The provider library with the shipped data library and the shipped scenarios, as it is started with.
 #include "LoadedProvider.h"
-
 #include "harness/Schema.h"
-
-#include <gtest/gtest.h>
 
 #include <cstdlib>
 #include <set>
+
+#include <gtest/gtest.h>
 
 namespace KDV::Test {
 namespace {
@@ -26,8 +25,7 @@ protected:
         std::size_t published = 0;
         for (const auto& declared : schema().findNamespace("root/vnr")->classes()) {
             const std::string& name = declared->name();
-            if (name.rfind("KDV_", 0) != 0)
-                continue;
+            if (name.rfind("KDV_", 0) != 0) continue;
             const Reply reply = ask.instances(name.c_str());
             EXPECT_EQ(reply.rc, CMPI_RC_OK) << name << ": " << reply.message;
             EXPECT_EQ(ask.instanceNames(name.c_str()).paths.size(), reply.instances.size()) << name;

@@ -17,8 +17,7 @@ using namespace KDV;
 // A check that no build switches off.
 void require(bool holds)
 {
-    if (!holds)
-        std::abort();
+    if (!holds) std::abort();
 }
 
 ByteView takePage(ByteView& rest)
@@ -32,8 +31,7 @@ ByteView takePage(ByteView& rest)
 void vitalProductData(ByteView page)
 {
     require(parseUnitSerialNumber(page).size() <= page.size());
-    if (const auto name = parseNaaName(page))
-        require(*name != 0);
+    if (const auto name = parseNaaName(page)) require(*name != 0);
     parseRotationRate(page);
     if (const auto ata = parseAtaInformation(page))
         require(ata->serial.size() <= 20 && ata->firmware.size() <= 8 && ata->model.size() <= 40);
@@ -44,8 +42,7 @@ void vitalProductData(ByteView page)
 void logPages(ByteView page)
 {
     require(parseSupportedLogPages(page).size() <= page.size());
-    if (const auto temperature = parseTemperature(page))
-        require(*temperature != 0xFF);
+    if (const auto temperature = parseTemperature(page)) require(*temperature != 0xFF);
     parseEnduranceUsed(page);
     parsePowerOnMinutes(page);
     if (const auto exceptions = parseInformationalExceptions(page))
@@ -58,8 +55,7 @@ void enclosurePages(ByteView rest)
     const ByteView status = takePage(rest);
     const ByteView descriptors = takePage(rest);
     const auto state = enclosureState(configuration, status, descriptors, takePage(rest));
-    if (!state)
-        return;
+    if (!state) return;
     require(state->slots.size() == state->bays);
     require(state->fans == 0 || state->fans == 2 || state->fans == 3 || state->fans == 5);
     require(state->power == 0 || state->power == 2 || state->power == 3 || state->power == 5);
@@ -69,8 +65,7 @@ void enclosurePages(ByteView rest)
 
 void texts(ByteView bytes)
 {
-    if (const auto info = parsePathInfo(bytes.chars()))
-        require(info->bay.has_value() && info->port.size() <= 8);
+    if (const auto info = parsePathInfo(bytes.chars())) require(info->bay.has_value() && info->port.size() <= 8);
     tellsOfPlug(bytes.chars());
     const ReadyReply reply = judgeReply(bytes.u8(0), bytes.u8(1), bytes.from(2));
     require(!(reply.timedOut && reply.readiness == Readiness::Ready));
@@ -83,10 +78,18 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const ByteView whole(data, size);
     const ByteView rest = whole.from(1);
     switch (whole.u8(0) & 3) {
-    case 0: vitalProductData(rest); break;
-    case 1: logPages(rest); break;
-    case 2: enclosurePages(rest); break;
-    default: texts(rest); break;
+    case 0:
+        vitalProductData(rest);
+        break;
+    case 1:
+        logPages(rest);
+        break;
+    case 2:
+        enclosurePages(rest);
+        break;
+    default:
+        texts(rest);
+        break;
     }
     return 0;
 }

@@ -24,8 +24,7 @@ std::string unquoted(const std::string& value)
 {
     std::string text;
     for (std::size_t i = 1; i + 1 < value.size(); ++i) {
-        if (value[i] == '\\')
-            ++i;
+        if (value[i] == '\\') ++i;
         text += value[i];
     }
     return text;
@@ -51,8 +50,7 @@ protected:
                 Link link{className, instance.path, {}, {}};
                 int i = 0;
                 for (const CollectedProperty& property : instance.properties) {
-                    if (property.type != "reference")
-                        continue;
+                    if (property.type != "reference") continue;
                     link.role[i] = property.name;
                     link.end[i++] = unquoted(property.value);
                 }
@@ -71,12 +69,9 @@ protected:
         for (const Link& link : links) {
             for (int i = 0; i < 2; ++i) {
                 const char* linkClass = references ? filters.resultClass : filters.associationClass;
-                if (link.end[i] != from || (linkClass && !isA(link.className, linkClass)))
-                    continue;
-                if (filters.role && link.role[i] != filters.role)
-                    continue;
-                if (filters.resultRole && link.role[1 - i] != filters.resultRole)
-                    continue;
+                if (link.end[i] != from || (linkClass && !isA(link.className, linkClass))) continue;
+                if (filters.role && link.role[i] != filters.role) continue;
+                if (filters.resultRole && link.role[1 - i] != filters.resultRole) continue;
                 if (!references && filters.resultClass && !isA(nameOf(link.end[1 - i]).className, filters.resultClass))
                     continue;
                 paths.push_back(references ? link.path : link.end[1 - i]);
@@ -105,8 +100,7 @@ protected:
     static Paths byInstance(Paths paths)
     {
         for (std::string& path : paths)
-            if (path.find(":KDV_SASSmartDriveCarrier") != std::string::npos)
-                path.erase(path.find(".InstanceID"));
+            if (path.find(":KDV_SASSmartDriveCarrier") != std::string::npos) path.erase(path.find(".InstanceID"));
         return sorted(std::move(paths));
     }
 
@@ -186,8 +180,8 @@ TEST_P(AssociationWalk, AgreesWithAllFiltersAtOnce)
     for (const Link& link : links) {
         for (int i = 0; i < 2; ++i) {
             const std::string result = nameOf(link.end[1 - i]).className;
-            compareAssociators(link.end[i], {link.className.c_str(), result.c_str(), link.role[i].c_str(),
-                                             link.role[1 - i].c_str()});
+            compareAssociators(
+                link.end[i], {link.className.c_str(), result.c_str(), link.role[i].c_str(), link.role[1 - i].c_str()});
         }
     }
 }
@@ -199,8 +193,7 @@ TEST_P(AssociationWalk, ReachesEveryObjectFromTheFirstArraySystem)
     while (!waiting.empty()) {
         const std::string object = waiting.back();
         waiting.pop_back();
-        if (!reached.insert(object).second)
-            continue;
+        if (!reached.insert(object).second) continue;
         for (const std::string& next : requests().associatorNames(nameOf(object)).paths)
             waiting.push_back(next);
     }

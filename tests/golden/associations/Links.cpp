@@ -3,10 +3,10 @@
 #include "common/KDVUtil.h"
 #include "harness/Schema.h"
 
-#include <gtest/gtest.h>
-
 #include <fstream>
 #include <stdexcept>
+
+#include <gtest/gtest.h>
 
 namespace KDV::Test {
 namespace {
@@ -20,8 +20,7 @@ void replaceAll(std::string& text, const std::string& what, const std::string& w
 // "reference Role Class.Key="..."" with the end as a whole path, quoted as a value.
 std::string completed(std::string row)
 {
-    if (row.rfind("reference ", 0) != 0)
-        return row;
+    if (row.rfind("reference ", 0) != 0) return row;
     const std::string host = KDVUtil::getHostName();
     replaceAll(row, "$host", host);
     const std::size_t end = row.find(' ', row.find(' ') + 1) + 1;
@@ -50,8 +49,7 @@ void buildGoldenMachine(TestMachine& machine)
 std::vector<PublishedRows> expectedLinks(const std::string& className)
 {
     std::ifstream file(KDV_SOURCE_DIR "/tests/golden/associations/" + className + ".rows");
-    if (!file)
-        throw std::runtime_error("no expected links for " + className);
+    if (!file) throw std::runtime_error("no expected links for " + className);
     std::vector<PublishedRows> links;
     for (std::string line; std::getline(file, line);) {
         if (line == "link")
@@ -73,8 +71,7 @@ std::vector<PublishedRows> publishedLinks(const Requests& ask, const std::string
         EXPECT_EQ(instance.className, className);
         links.emplace_back();
         for (const Host::CollectedProperty& property : instance.properties)
-            if (!property.preset)
-                links.back().push_back(property.type + " " + property.name + " " + property.value);
+            if (!property.preset) links.back().push_back(property.type + " " + property.name + " " + property.value);
     }
     return links;
 }
@@ -83,8 +80,7 @@ std::vector<std::string> associationClasses()
 {
     std::vector<std::string> names;
     for (const auto& declared : schema().findNamespace("root/vnr")->classes())
-        if (declared->isAssociation() && declared->name().rfind("KDV_", 0) == 0)
-            names.push_back(declared->name());
+        if (declared->isAssociation() && declared->name().rfind("KDV_", 0) == 0) names.push_back(declared->name());
     return names;
 }
 
@@ -99,8 +95,7 @@ ObjectName nameOf(const std::string& path)
         std::string value;
         std::size_t i = equals + 2; // after the quote
         for (; path.at(i) != '"'; ++i) {
-            if (path[i] == '\\')
-                ++i;
+            if (path[i] == '\\') ++i;
             value += path.at(i);
         }
         name.keys.emplace_back(path.substr(at, equals - at), value);

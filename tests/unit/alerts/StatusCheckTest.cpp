@@ -28,7 +28,8 @@ protected:
     StatusChecks()
         : volume(machine.addVolume(hba, 4, {})), box(machine.addBox(hba, 1)),
           drive(machine.addDrive(hba, 7, unassignedUsage))
-    {}
+    {
+    }
 
     SasLogicalDriveRecord& volume;
     SasStorageBoxRecord& box;

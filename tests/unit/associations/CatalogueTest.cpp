@@ -1,5 +1,6 @@
 #include "Catalogue.h"
 
+#include "StandIn.h"
 #include "broker/Broker.h"
 #include "broker/CollectingSink.h"
 #include "broker/InstanceObject.h"
@@ -11,12 +12,11 @@
 #include "instances/KDV_SASStoragePool.h"
 #include "instances/KDV_SASStorageVolume.h"
 #include "machine/TestMachine.h"
-#include "StandIn.h"
-
-#include <gtest/gtest.h>
 
 #include <set>
 #include <tuple>
+
+#include <gtest/gtest.h>
 
 namespace KDV::Test {
 namespace {
@@ -42,8 +42,7 @@ protected:
         hosts->addKey("Name", "another.host");
 
         const std::string second = entry.second;
-        if (entry.first != std::string(computerSystem))
-            ends[0] = std::make_unique<StandIn>(logger, entry.first);
+        if (entry.first != std::string(computerSystem)) ends[0] = std::make_unique<StandIn>(logger, entry.first);
         if (second == "KDV_SASStoragePool")
             ends[1] = std::make_unique<KDV_SASStoragePool>(logger, "root/vnr", &hba);
         else if (second == "KDV_SASStorageVolume")
@@ -97,8 +96,7 @@ std::string quoted(const CmpiObjectPath& path)
 {
     std::string text = "\"";
     for (const char c : path.str()) {
-        if (c == '"' || c == '\\')
-            text += '\\';
+        if (c == '"' || c == '\\') text += '\\';
         text += c;
     }
     return text + "\"";
@@ -106,9 +104,9 @@ std::string quoted(const CmpiObjectPath& path)
 
 TEST_P(EveryAssociation, HasAPathOfItsTwoRolesAndNothingElse)
 {
-    EXPECT_EQ(link->getPath().str(), "//" + KDVUtil::getHostName() + "/root/vnr:" + entry.className + "." + entry.role
-                                         + "=" + quoted(rolePath()) + "," + entry.otherRole + "="
-                                         + quoted(otherRolePath()));
+    EXPECT_EQ(link->getPath().str(), "//" + KDVUtil::getHostName() + "/root/vnr:" + entry.className + "." + entry.role +
+                                         "=" + quoted(rolePath()) + "," + entry.otherRole + "=" +
+                                         quoted(otherRolePath()));
 }
 
 TEST_P(EveryAssociation, PublishesItsRolesAndThenItsFurtherProperties)
@@ -118,8 +116,7 @@ TEST_P(EveryAssociation, PublishesItsRolesAndThenItsFurtherProperties)
     EXPECT_EQ(published.className, entry.className);
     Lines rows;
     for (const CollectedProperty& property : published.properties)
-        if (!property.preset)
-            rows.push_back(property.type + " " + property.name + " " + property.value);
+        if (!property.preset) rows.push_back(property.type + " " + property.name + " " + property.value);
     Lines expected{std::string("reference ") + entry.role + " " + quoted(rolePath()),
                    std::string("reference ") + entry.otherRole + " " + quoted(otherRolePath())};
     expected.insert(expected.end(), entry.further.begin(), entry.further.end());
@@ -157,8 +154,7 @@ TEST_P(EveryAssociation, DeclaresItsEndsToTheCollection)
     EXPECT_EQ(role.instance, ends[entry.isFirst ? 0 : 1].get());
     EXPECT_EQ(other.instance, ends[entry.isFirst ? 1 : 0].get());
     for (const auto* end : {&role, &other}) {
-        if (end->instance)
-            continue;
+        if (end->instance) continue;
         ASSERT_NE(end->path, nullptr);
         EXPECT_EQ(end->path->str(), hosts->str());
         EXPECT_NE(end->path, hosts.get()); // a copy of its own

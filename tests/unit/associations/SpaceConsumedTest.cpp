@@ -1,3 +1,4 @@
+#include "StandIn.h"
 #include "associations/KDV_SASPrimordialPoolStoragePool.h"
 #include "associations/KDV_SASSCSIProtocolControllerStorageVolume.h"
 #include "associations/KDV_SASStoragePoolStorageVolume.h"
@@ -8,7 +9,6 @@
 #include "instances/KDV_SASStoragePool.h"
 #include "instances/KDV_SASStorageVolume.h"
 #include "machine/TestMachine.h"
-#include "StandIn.h"
 
 #include <gtest/gtest.h>
 

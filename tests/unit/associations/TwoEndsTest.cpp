@@ -1,5 +1,6 @@
 #include "associations/TwoEnds.h"
 
+#include "StandIn.h"
 #include "associations/CIM_Dependency.h"
 #include "associations/CIM_MemberOfCollection.h"
 #include "associations/CIM_SystemDevice.h"
@@ -7,7 +8,6 @@
 #include "broker/RequestScope.h"
 #include "cmpicpp/CmpiStatus.h"
 #include "harness/LogCapture.h"
-#include "StandIn.h"
 
 #include <gtest/gtest.h>
 
@@ -74,8 +74,7 @@ TEST_F(GenericBase, LetsAFailureOfTheBrokerThrough)
             EXPECT_EQ(status.code(), CMPI_RC_ERR_FAILED);
             ++failures;
         }
-        if (!broker.faultFired())
-            break;
+        if (!broker.faultFired()) break;
     }
     broker.failAfter(0, CMPI_RC_OK);
     EXPECT_GT(failures, 10u);

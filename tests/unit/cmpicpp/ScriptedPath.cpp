@@ -106,11 +106,13 @@ const CMPIObjectPathFT pathTable = makePathTable();
 
 ScriptedString::ScriptedString(const char* content)
     : CMPIString{this, &stringTable}, text(content ? content : ""), isNull(!content)
-{}
+{
+}
 
 ScriptedPath::ScriptedPath(const char* ofClass, const char* inNameSpace, const char* onHost)
     : CMPIObjectPath{this, &pathTable}, className(keep(ofClass)), nameSpace(keep(inNameSpace)), host(keep(onHost))
-{}
+{
+}
 
 ScriptedString* ScriptedPath::keep(const char* content) { return &_strings.emplace_back(content); }
 

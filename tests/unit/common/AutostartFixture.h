@@ -134,7 +134,8 @@ public:
     }
     void enumInstances(const CmpiContext&, const CmpiObjectPath&, const char* const*,
                        const CmpiInstanceResult&) override
-    {}
+    {
+    }
     void invokeMethod(const CmpiContext&, const CmpiObjectPath& path, const CmpiName& method, const CmpiArgs&,
                       const CmpiMethodResult& result) override
     {

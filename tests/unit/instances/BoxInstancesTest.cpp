@@ -1,6 +1,5 @@
 // The instances of storage boxes: what is easily got wrong, each by a sentence.
 #include "InstanceFixture.h"
-
 #include "instances/KDV_SASDriveCage.h"
 #include "instances/KDV_SASEnclosureFirmware.h"
 #include "instances/KDV_SASStorageEnclosure.h"

@@ -1,6 +1,5 @@
 // The instances of physical drives and their carriers: what is easily got wrong, each by a sentence.
 #include "InstanceFixture.h"
-
 #include "instances/KDV_SASDiskDrive.h"
 #include "instances/KDV_SASDiskDriveFirmware.h"
 #include "instances/KDV_SASDiskDriveLocation.h"

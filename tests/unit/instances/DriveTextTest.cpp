@@ -1,9 +1,9 @@
 #include "instances/DriveText.h"
 
-#include <gtest/gtest.h>
-
 #include <random>
 #include <sstream>
+
+#include <gtest/gtest.h>
 
 namespace KDV::Test {
 namespace {
@@ -95,10 +95,7 @@ TEST(DriveText, SearchesForTheLettersAnywhere)
     EXPECT_EQ(located("MyDevices 1I x 4"), (Texts{"1I", "", "", "4"}));
 }
 
-TEST(DriveText, PrefersBoxAndBayToDevice)
-{
-    EXPECT_EQ(located("Device 1I Box 2 Bay 3"), (Texts{"1I", "2", "3", ""}));
-}
+TEST(DriveText, PrefersBoxAndBayToDevice) { EXPECT_EQ(located("Device 1I Box 2 Bay 3"), (Texts{"1I", "2", "3", ""})); }
 
 TEST(DriveText, SeparatesWordsByAnyWhiteSpace)
 {

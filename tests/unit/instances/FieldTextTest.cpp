@@ -1,8 +1,8 @@
 #include "instances/FieldText.h"
 
-#include <gtest/gtest.h>
-
 #include <memory>
+
+#include <gtest/gtest.h>
 
 namespace KDV::Test {
 namespace {

@@ -1,6 +1,5 @@
 // The adapter's instances: what is easily got wrong, each by a sentence. Whole tables are held elsewhere.
 #include "InstanceFixture.h"
-
 #include "instances/KDV_SASArrayController.h"
 #include "instances/KDV_SASArraySystem.h"
 #include "instances/KDV_SASArraySystemLocation.h"

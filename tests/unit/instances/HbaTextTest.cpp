@@ -1,18 +1,18 @@
 #include "instances/HbaText.h"
 
-#include <gtest/gtest.h>
-
 #include <map>
+
+#include <gtest/gtest.h>
 
 namespace KDV::Test {
 namespace {
 
 TEST(HbaText, HasAModelTextForEveryCode)
 {
-    const std::map<int, std::string> models{
-        {2, "SAS HBA"},        {3, "ZT SAS HBA 3"},   {4, "ZT SAS HBA 4"},   {5, "ZT SAS HBA 5"},
-        {6, "ZT SAS HBA 6"},   {7, "ZT SAS HBA 7"},   {8, "ZT SAS HBA 8"},   {9, "ZT SAS HBA 9"},
-        {10, "ZT SAS HBA 10"}, {11, "ZT SAS HBA 11"}, {12, "ZT SAS HBA 12"}, {13, "ZT SAS HBA 13"}};
+    const std::map<int, std::string> models{{2, "SAS HBA"},        {3, "ZT SAS HBA 3"},   {4, "ZT SAS HBA 4"},
+                                            {5, "ZT SAS HBA 5"},   {6, "ZT SAS HBA 6"},   {7, "ZT SAS HBA 7"},
+                                            {8, "ZT SAS HBA 8"},   {9, "ZT SAS HBA 9"},   {10, "ZT SAS HBA 10"},
+                                            {11, "ZT SAS HBA 11"}, {12, "ZT SAS HBA 12"}, {13, "ZT SAS HBA 13"}};
     for (int code = 0; code < 256; ++code) {
         const auto known = models.find(code);
         EXPECT_EQ(controllerModelText(static_cast<std::uint8_t>(code)), known == models.end() ? " " : known->second)

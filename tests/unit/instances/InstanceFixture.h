@@ -11,9 +11,9 @@
 #include "harness/Schema.h"
 #include "machine/TestMachine.h"
 
-#include <gtest/gtest.h>
-
 #include <string>
+
+#include <gtest/gtest.h>
 
 namespace KDV::Test {
 

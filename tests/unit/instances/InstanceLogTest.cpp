@@ -33,8 +33,7 @@ TEST_F(InstanceLogs, OfEveryClassTellItsLifeAndItsOperations)
         LogCapture log;
         std::unique_ptr<CmpiManagedInstance> object = published.make(logger, given);
         Lines made{"cxtor()"};
-        if (name == "KDV_SASDiskDriveFirmware")
-            made.push_back("disk vendor ACME model DRIVE 9");
+        if (name == "KDV_SASDiskDriveFirmware") made.push_back("disk vendor ACME model DRIVE 9");
         EXPECT_EQ(log.lines(), under(name, made));
         EXPECT_EQ(log.sources().front(), "KDVSASHBA:1:" + name);
 
@@ -45,10 +44,8 @@ TEST_F(InstanceLogs, OfEveryClassTellItsLifeAndItsOperations)
         log.clear();
         object->getInstance();
         Lines read{"getInstance()", "getPath()"};
-        if (name == "KDV_SASSmartDriveCarrierAppFirmware")
-            read[0] = "inside getInstance()";
-        if (name == "KDV_SASSmartDriveCarrierBootldrFirmware")
-            read.erase(read.begin());
+        if (name == "KDV_SASSmartDriveCarrierAppFirmware") read[0] = "inside getInstance()";
+        if (name == "KDV_SASSmartDriveCarrierBootldrFirmware") read.erase(read.begin());
         EXPECT_EQ(log.lines(), under(name, read));
 
         log.clear();

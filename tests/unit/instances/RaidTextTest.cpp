@@ -1,8 +1,8 @@
 #include "instances/RaidText.h"
 
-#include <gtest/gtest.h>
-
 #include <map>
+
+#include <gtest/gtest.h>
 
 namespace KDV::Test {
 namespace {
@@ -22,10 +22,8 @@ TEST(RaidText, HasTheDataRedundancyOfTheLevelMasks)
     for (unsigned code = 0; code < 256; ++code) {
         const auto redundancy = raidRedundancy[static_cast<std::uint8_t>(code)];
         std::optional<std::uint16_t> expected;
-        if (code < 32 && (single >> code & 1) != 0)
-            expected = std::uint16_t(1);
-        if (code < 32 && (doubled >> code & 1) != 0)
-            expected = std::uint16_t(2);
+        if (code < 32 && (single >> code & 1) != 0) expected = std::uint16_t(1);
+        if (code < 32 && (doubled >> code & 1) != 0) expected = std::uint16_t(2);
         EXPECT_EQ(redundancy.dataRedundancy, expected) << code;
         EXPECT_EQ(redundancy.noSinglePointOfFailure.has_value(), expected.has_value()) << code;
         EXPECT_EQ(redundancy.packageRedundancy.has_value(), expected.has_value()) << code;

@@ -33,10 +33,7 @@ protected:
 const std::string keyRows = "string CreationClassName \"KDV_SASDiskDrive\"\nstring DeviceID \"S-1\"\n"
                             "string SystemCreationClassName \"KDV_SASArraySystem\"\nstring SystemName \"A\"\n";
 
-TEST_F(Rows, BeginWithTheKeysOfThePath)
-{
-    EXPECT_EQ(rowsOf(PropertyRows(disk).instance()), keyRows);
-}
+TEST_F(Rows, BeginWithTheKeysOfThePath) { EXPECT_EQ(rowsOf(PropertyRows(disk).instance()), keyRows); }
 
 TEST_F(Rows, AddPropertiesOfTheirTypeInTheOrderOfTheCalls)
 {
@@ -77,8 +74,7 @@ TEST_F(Rows, AddNothingButKeysBesideWhatThePropertyListAsksFor)
     const auto instance = published(object);
     std::vector<std::string> found;
     for (const auto& row : instance.properties)
-        if (keyRows.find(" " + row.name + " ") == std::string::npos)
-            found.push_back(row.name);
+        if (keyRows.find(" " + row.name + " ") == std::string::npos) found.push_back(row.name);
     EXPECT_EQ(found, (std::vector<std::string>{"ElementName", "OperationalStatus"}));
     EXPECT_EQ(instance.path, object.getPath().str());
 }

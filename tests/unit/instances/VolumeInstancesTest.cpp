@@ -1,6 +1,5 @@
 // The instances of logical drives and extents: what is easily got wrong, each by a sentence.
 #include "InstanceFixture.h"
-
 #include "instances/KDV_SASStorageExtent.h"
 #include "instances/KDV_SASStorageRedundancySet.h"
 #include "instances/KDV_SASStorageSetting.h"
@@ -57,9 +56,9 @@ TEST_F(VolumeInstances, SayNothingOfRedundancyAtUnknownLevels)
 
 TEST_F(VolumeInstances, CountBlocksInThirtyTwoBits)
 {
-    const std::pair<std::uint32_t, const char*> sizes[] = {{1000, "1048576"},         {511, "0"},
-                                                           {2097152, "0"},            {2097151, "4293918720"},
-                                                           {2097152 + 512, "1048576"}, {0xFFFFFFFF, "4293918720"}};
+    const std::pair<std::uint32_t, const char*> sizes[] = {
+        {1000, "1048576"},         {511, "0"}, {2097152, "0"}, {2097151, "4293918720"}, {2097152 + 512, "1048576"},
+        {0xFFFFFFFF, "4293918720"}};
     for (const auto& [size, blocks] : sizes) {
         volume->size = size;
         const auto instance = volumeOfLevel(5);

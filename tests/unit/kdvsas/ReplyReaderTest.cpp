@@ -93,9 +93,9 @@ TEST(ReplyReader, RefusesWhatIsNestedTooDeeply)
 
 TEST(ReplyReader, RefusesADocumentThatIsNoMessage)
 {
-    for (const char* other : {"<html><body>It works!</body></html>", "<CIM/>",
-                              "<CIM><MESSAGE ID=\"7\"><SIMPLERSP/></MESSAGE></CIM>",
-                              "<html><IMETHODRESPONSE NAME=\"X\"/></html>"})
+    for (const char* other :
+         {"<html><body>It works!</body></html>", "<CIM/>", "<CIM><MESSAGE ID=\"7\"><SIMPLERSP/></MESSAGE></CIM>",
+          "<html><IMETHODRESPONSE NAME=\"X\"/></html>"})
         EXPECT_THROW(read(other), std::runtime_error) << other;
 }
 

@@ -1,10 +1,11 @@
-#include "machine/TestMachine.h"
-#include "provider/DeviceObjects.h"
 #include "provider/DriveLookup.h"
 
-#include <gtest/gtest.h>
+#include "machine/TestMachine.h"
+#include "provider/DeviceObjects.h"
 
 #include <random>
+
+#include <gtest/gtest.h>
 
 namespace KDV::Test {
 namespace {
@@ -92,10 +93,8 @@ TEST(DriveLookup, AgreesWithTheScansOverAnyRecords)
             for (std::uint32_t n = below(17); n > 0; --n)
                 spares.push_back(below(40));
             SasLogicalDriveRecord& volume = machine.addVolume(hba, i, members, spares);
-            if (below(3) == 0)
-                volume.memberCount = below(20);
-            if (below(3) == 0)
-                volume.spareCount = below(20);
+            if (below(3) == 0) volume.memberCount = below(20);
+            if (below(3) == 0) volume.spareCount = below(20);
             machine.addBox(hba, static_cast<std::uint8_t>(below(4)));
         }
         const Devices devices(hba);

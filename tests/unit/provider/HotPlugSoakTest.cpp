@@ -1,7 +1,6 @@
 // Thousands of passes with random pulls and insertions while clients read: every answer is that of a whole pass, and
 // what memory stays is the small device object of each pulled disk.
 #include "fixture/ProviderFixture.h"
-
 #include "provider/DeviceObjects.h"
 
 #include <atomic>

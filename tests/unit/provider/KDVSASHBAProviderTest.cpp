@@ -1,8 +1,7 @@
-#include "fixture/ProviderFixture.h"
-
 #include "broker/RequestScope.h"
 #include "cmpicpp/CmpiStatus.h"
 #include "common/KDVUtil.h"
+#include "fixture/ProviderFixture.h"
 
 #include <atomic>
 #include <thread>
@@ -179,8 +178,9 @@ TEST_P(Provider, LosesTheTextOfAStandardExceptionDuringPopulationToTheLog)
     } catch (const std::exception& failure) {
         EXPECT_STREQ(failure.what(), std::exception().what());
     }
-    EXPECT_EQ(log.linesWith("error:"), std::vector<std::string>{
-        "KDVSASHBA error: :_cmpiManagedInstanceFactory() has raised exception: no adapter answers"});
+    EXPECT_EQ(log.linesWith("error:"),
+              std::vector<std::string>{
+                  "KDVSASHBA error: :_cmpiManagedInstanceFactory() has raised exception: no adapter answers"});
 }
 
 TEST_P(Provider, LetsEveryOtherExceptionDuringPopulationThrough)

@@ -1,12 +1,13 @@
+#include "provider/KDV_AutoStartSASHBA.h"
+
 #include "broker/Broker.h"
 #include "broker/CollectingSink.h"
-#include "broker/RequestScope.h"
 #include "broker/InstanceObject.h"
+#include "broker/RequestScope.h"
 #include "common/KDVUtil.h"
+#include "fixture/ProviderFixture.h"
 #include "harness/LogCapture.h"
 #include "harness/Schema.h"
-#include "fixture/ProviderFixture.h"
-#include "provider/KDV_AutoStartSASHBA.h"
 
 #include <gtest/gtest.h>
 
@@ -33,12 +34,10 @@ TEST_P(KDV_AutoStart, PublishesExactlyFourPropertiesInOrder)
     const CmpiCpp::CmpiInstance instance = worker.getInstance();
     std::vector<std::string> rows;
     for (const CollectedProperty& property : collect(*static_cast<const InstanceObject*>(instance.raw())).properties)
-        if (!property.preset)
-            rows.push_back(property.type + " " + property.name + " " + property.value);
+        if (!property.preset) rows.push_back(property.type + " " + property.name + " " + property.value);
     EXPECT_EQ(rows, (std::vector<std::string>{R"(string ProviderName "KDVSASHBA")",
                                               R"(string WorkerMethodNameSpace "root/vnr")",
-                                              "uint16 WorkerPollInterval 30",
-                                              "uint16 WorkerPollIntervalStagger 28"}));
+                                              "uint16 WorkerPollInterval 30", "uint16 WorkerPollIntervalStagger 28"}));
 }
 
 TEST_P(KDV_AutoStart, NamesTheLocalHostAndHasOnlyTheProviderNameAsKey)

@@ -1,8 +1,7 @@
 // What is made for which records, in which order and with which log lines. Every object writes "cxtor()" under its
 // class's name when it is made, so the log is the order of creation.
-#include "fixture/ProviderFixture.h"
-
 #include "broker/RequestScope.h"
+#include "fixture/ProviderFixture.h"
 
 #include <algorithm>
 
@@ -21,10 +20,8 @@ protected:
         makeProvider();
         Lines lines;
         for (std::string& line : log.lines()) {
-            if (line.find(" getPath()") != std::string::npos)
-                continue;
-            if (line.size() > 8 && line.compare(line.size() - 8, 8, " cxtor()") == 0)
-                line.resize(line.size() - 8);
+            if (line.find(" getPath()") != std::string::npos) continue;
+            if (line.size() > 8 && line.compare(line.size() - 8, 8, " cxtor()") == 0) line.resize(line.size() - 8);
             lines.push_back(std::move(line));
         }
         return lines;
@@ -170,7 +167,8 @@ TEST_P(Population, HandsOverAZeroedRootAndMarksOnlyTheFirstRefresh)
 TEST_P(Population, MakesSixteenInstancesAndNineteenAssociationsForABareHba)
 {
     machine.addHba(3);
-    EXPECT_EQ(made(), joined({begin, ofHba("3", "2"),
+    EXPECT_EQ(made(), joined({begin,
+                              ofHba("3", "2"),
                               {"KDV_SASStorageSpecificCollection", "KDV_SASStorageSpecificCollectionArraySystem",
                                "KDV_SASStorageGroupHostedCollection"}}));
 }
@@ -190,44 +188,43 @@ TEST_P(Population, FollowsTheRecordsInTheOrderOfTheirLists)
     SasHbaRecord& second = machine.addHba(2);
     second.modelCode = 14;
 
-    EXPECT_EQ(made(),
-              joined({begin,
-                      ofHba("1", "2"),
-                      {"SASLogicalDrives", "KDVSASHBA _createLogDrvInstances: HBA index 1, Log Drv index 0",
-                       "KDV_SASStorageVolume", "KDV_SASStorageSetting", "KDV_SASStorageRedundancySet",
-                       "KDVSASHBA log drive 0 created a redundancy set instance..."},
-                      volumeLinks,
-                      {"SASLogicalDrives", "KDVSASHBA _createLogDrvInstances: HBA index 1, Log Drv index 1",
-                       "KDV_SASStorageVolume", "KDV_SASStorageSetting",
-                       "KDVSASHBA log drive 1 doesn't have spare, NO redundancy set instance..."},
-                      volumeLinks,
-                      ofBox("1", "1"),
-                      ofDrive("1", "7", "1"),
-                      poolLinks,
-                      {"KDV_SASStorageExtentStorageVolume", "KDV_SASStorageRedundancySetStorageExtent",
-                       "KDVSASHBA log drive 0 created an KDV_SASStorageRedundancySetStorageExtent instance",
-                       "KDV_SASDriveCageDiskPhysicalPackage"},
-                      ofDrive("1", "5", "1"),
-                      poolLinks,
-                      {"KDV_SASStorageExtentStorageVolume", "KDV_SASStorageRedundancySetStorageExtent",
-                       "KDVSASHBA log drive 0 created an KDV_SASStorageRedundancySetStorageExtent instance",
-                       "KDV_SASDriveCageDiskPhysicalPackage"},
-                      ofDrive("1", "9", "1"),
-                      poolLinks,
-                      {"KDV_SASSpareExtentStorageRedundancySet",
-                       "KDVSASHBA log drive 0 created an KDV_SASSpareExtentStorageRedundancySet instance",
-                       "KDV_SASDriveCageDiskPhysicalPackage"},
-                      ofDrive("1", "3", "1"),
-                      {"KDV_SASPrimordialPoolNoRaidStorageExtent", "KDV_SASDriveCageDiskPhysicalPackage"},
-                      carrier,
-                      ofDrive("1", "2", "9"),
-                      {"KDV_SASPrimordialPoolNoRaidStorageExtent"},
-                      ofDrive("1", "4", "1"),
-                      poolLinks,
-                      {"KDV_SASDriveCageDiskPhysicalPackage"},
-                      ofHba("2", "14"),
-                      {"KDV_SASStorageSpecificCollection", "KDV_SASStorageSpecificCollectionArraySystem",
-                       "KDV_SASStorageSpecificCollectionArraySystem", "KDV_SASStorageGroupHostedCollection"}}));
+    EXPECT_EQ(made(), joined({begin,
+                              ofHba("1", "2"),
+                              {"SASLogicalDrives", "KDVSASHBA _createLogDrvInstances: HBA index 1, Log Drv index 0",
+                               "KDV_SASStorageVolume", "KDV_SASStorageSetting", "KDV_SASStorageRedundancySet",
+                               "KDVSASHBA log drive 0 created a redundancy set instance..."},
+                              volumeLinks,
+                              {"SASLogicalDrives", "KDVSASHBA _createLogDrvInstances: HBA index 1, Log Drv index 1",
+                               "KDV_SASStorageVolume", "KDV_SASStorageSetting",
+                               "KDVSASHBA log drive 1 doesn't have spare, NO redundancy set instance..."},
+                              volumeLinks,
+                              ofBox("1", "1"),
+                              ofDrive("1", "7", "1"),
+                              poolLinks,
+                              {"KDV_SASStorageExtentStorageVolume", "KDV_SASStorageRedundancySetStorageExtent",
+                               "KDVSASHBA log drive 0 created an KDV_SASStorageRedundancySetStorageExtent instance",
+                               "KDV_SASDriveCageDiskPhysicalPackage"},
+                              ofDrive("1", "5", "1"),
+                              poolLinks,
+                              {"KDV_SASStorageExtentStorageVolume", "KDV_SASStorageRedundancySetStorageExtent",
+                               "KDVSASHBA log drive 0 created an KDV_SASStorageRedundancySetStorageExtent instance",
+                               "KDV_SASDriveCageDiskPhysicalPackage"},
+                              ofDrive("1", "9", "1"),
+                              poolLinks,
+                              {"KDV_SASSpareExtentStorageRedundancySet",
+                               "KDVSASHBA log drive 0 created an KDV_SASSpareExtentStorageRedundancySet instance",
+                               "KDV_SASDriveCageDiskPhysicalPackage"},
+                              ofDrive("1", "3", "1"),
+                              {"KDV_SASPrimordialPoolNoRaidStorageExtent", "KDV_SASDriveCageDiskPhysicalPackage"},
+                              carrier,
+                              ofDrive("1", "2", "9"),
+                              {"KDV_SASPrimordialPoolNoRaidStorageExtent"},
+                              ofDrive("1", "4", "1"),
+                              poolLinks,
+                              {"KDV_SASDriveCageDiskPhysicalPackage"},
+                              ofHba("2", "14"),
+                              {"KDV_SASStorageSpecificCollection", "KDV_SASStorageSpecificCollectionArraySystem",
+                               "KDV_SASStorageSpecificCollectionArraySystem", "KDV_SASStorageGroupHostedCollection"}}));
 }
 
 TEST_P(Population, PrintsNumbersAsSignedDecimals)
@@ -284,9 +281,9 @@ TEST_P(Population, LinksADriveOutsideAnyVolumeToTheNoRaidPoolOnly)
     machine.addDrive(hba, 5, unassignedUsage);
     makeProvider();
     EXPECT_EQ(count("KDV_SASPrimordialPoolNoRaidStorageExtent"), 1u);
-    for (const char* other : {"KDV_SASStoragePoolStorageExtent", "KDV_SASPrimordialPoolStorageExtent",
-                              "KDV_SASStorageExtentStorageVolume", "KDV_SASStorageRedundancySetStorageExtent",
-                              "KDV_SASSpareExtentStorageRedundancySet"})
+    for (const char* other :
+         {"KDV_SASStoragePoolStorageExtent", "KDV_SASPrimordialPoolStorageExtent", "KDV_SASStorageExtentStorageVolume",
+          "KDV_SASStorageRedundancySetStorageExtent", "KDV_SASSpareExtentStorageRedundancySet"})
         EXPECT_EQ(count(other), 0u) << other;
 }
 
@@ -343,7 +340,10 @@ TEST_P(Population, PopulatesTenThousandDrives)
         machine.addBox(hba, static_cast<std::uint8_t>(box));
     for (std::uint32_t number = 0; number < drives; ++number) {
         const std::uint32_t place = number % 10;
-        machine.addDrive(hba, number, place < 3 ? memberUsage : place == 3 ? spareUsage : unassignedUsage,
+        machine.addDrive(hba, number,
+                         place < 3    ? memberUsage
+                         : place == 3 ? spareUsage
+                                      : unassignedUsage,
                          number % 250);
     }
     makeProvider();

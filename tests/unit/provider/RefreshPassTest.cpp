@@ -1,7 +1,6 @@
-#include "fixture/ProviderFixture.h"
-
 #include "broker/RequestScope.h"
 #include "cmpicpp/CmpiStatus.h"
+#include "fixture/ProviderFixture.h"
 
 #include <algorithm>
 
@@ -131,8 +130,7 @@ TEST_P(Pass, LinksANewMemberAsTheRecordsSayNow)
     makeProvider();
     EXPECT_EQ(count("KDV_SASStorageExtentStorageVolume"), 1u);
     machine.whenUpdated = [&](SasDataRoot&) {
-        if (volume.memberCount == 2)
-            return;
+        if (volume.memberCount == 2) return;
         volume.members[1] = 2;
         volume.memberCount = 2;
         machine.addDrive(hba, 2, memberUsage);
@@ -412,8 +410,7 @@ TEST_P(Pass, RemovesWhatWasMadeOfADiskWhoseAdditionFailed)
         for (const char* className : diskClasses)
             EXPECT_EQ(count(className), 0u) << className << " after fault " << n;
         machine.addDrive(hba, 1, unassignedUsage);
-        if (!fired)
-            break;
+        if (!fired) break;
     }
     EXPECT_EQ(requests().pass().rc, CMPI_RC_OK);
     EXPECT_EQ(count("KDV_SASDiskDrive"), 1u);

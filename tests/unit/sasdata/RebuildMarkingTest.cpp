@@ -3,9 +3,9 @@
 #include "machine/TestMachine.h"
 #include "sasdata/SasPhysicalDrive.h"
 
-#include <gtest/gtest.h>
-
 #include <deque>
+
+#include <gtest/gtest.h>
 
 namespace KDV::Test {
 namespace {
@@ -68,8 +68,7 @@ TEST_F(RebuildMarking, MarksNothingForALogicalDriveInAnotherState)
 {
     SasHba* hba = addHba(0);
     for (int state = 0; state < 256; ++state)
-        if (state != rebuildingState)
-            addVolume(hba, static_cast<std::uint8_t>(state), 1);
+        if (state != rebuildingState) addVolume(hba, static_cast<std::uint8_t>(state), 1);
     markRebuildingDrives({hba});
     EXPECT_EQ(marks(), std::vector<bool>(3, false));
 }

@@ -6,11 +6,11 @@
 #include "sasdata/SasPhysicalDrive.h"
 #include "sasdata/SasStorageBox.h"
 
-#include <gtest/gtest.h>
-
 #include <deque>
 #include <memory>
 #include <random>
+
+#include <gtest/gtest.h>
 
 namespace KDV::Test {
 namespace {
@@ -155,8 +155,7 @@ TEST_F(SasHbaTest, FindsWhatAPlainWalkOverTheRecordsFinds)
     const auto expected = [&](std::uint32_t drive, auto list) -> SasLogicalDrive* {
         for (std::size_t i = 0; i < lists.size(); ++i)
             for (const std::uint32_t number : lists[i].*list)
-                if (number == drive)
-                    return hba.logicalDrives[i];
+                if (number == drive) return hba.logicalDrives[i];
         return nullptr;
     };
     using Lists = decltype(lists)::value_type;

@@ -3,9 +3,9 @@
 #include "harness/LogCapture.h"
 #include "machine/TestMachine.h"
 
-#include <gtest/gtest.h>
-
 #include <memory>
+
+#include <gtest/gtest.h>
 
 namespace KDV::Test {
 namespace {

@@ -12,7 +12,11 @@ using testing::Test;
 TEST(LiveAdapters, Mpt3sasWithAnExpanderAndABox)
 {
     FakeSysfs sysfs;
-    const std::string host = sysfs.addHba({0, "pci0000:00/0000:00:01.0/0000:01:00.0", "mpt3sas", "running", true,
+    const std::string host = sysfs.addHba({0,
+                                           "pci0000:00/0000:00:01.0/0000:01:00.0",
+                                           "mpt3sas",
+                                           "running",
+                                           true,
                                            {{"board_name", "ZX9300-8e"},
                                             {"board_tracer", "SP91542000"},
                                             {"version_fw", "16.00.12.00"},
@@ -65,7 +69,11 @@ TEST(LiveAdapters, Mpt3sasWithAnExpanderAndABox)
 TEST(LiveAdapters, MptsasWhosePhysShowTheDisksAddressAndWhoseBaysAreAllZero)
 {
     FakeSysfs sysfs;
-    const std::string host = sysfs.addHba({2, "pci0000:00/0000:00:05.0", "mptsas", "running", true,
+    const std::string host = sysfs.addHba({2,
+                                           "pci0000:00/0000:00:05.0",
+                                           "mptsas",
+                                           "running",
+                                           true,
                                            {{"board_name", "ZX1068"}, {"version_fw", "01.50.146.00"}}});
     for (unsigned i = 0; i < 2; ++i) {
         const std::string n = std::to_string(i);
@@ -100,11 +108,13 @@ TEST(LiveAdapters, MptsasWhosePhysShowTheDisksAddressAndWhoseBaysAreAllZero)
 TEST(LiveAdapters, SmartpqiSaysPortBoxAndBayItself)
 {
     FakeSysfs sysfs;
-    const std::string host = sysfs.addHba({1, "pci0000:00/0000:5c:00.0", "smartpqi", "running", true,
-                                           {{"model", "ZX 2100"},
-                                            {"vendor", "ACME"},
-                                            {"serial_number", "7C0001"},
-                                            {"firmware_version", "4.11"}}});
+    const std::string host = sysfs.addHba(
+        {1,
+         "pci0000:00/0000:5c:00.0",
+         "smartpqi",
+         "running",
+         true,
+         {{"model", "ZX 2100"}, {"vendor", "ACME"}, {"serial_number", "7C0001"}, {"firmware_version", "4.11"}}});
     FakeDisk disk;
     disk.address = "1:0:4:0";
     disk.vendor = "ATA";
@@ -139,8 +149,7 @@ TEST(LiveAdapters, SmartpqiSaysPortBoxAndBayItself)
               "blockSize = 512\nblockCount = 937703088\nmediaType = 3\nssdWearStatus = 255\ncarrierAuthStatus = 2\n"
               "boxIdentifier = 268435459\n");
     ASSERT_EQ(records.boxes().size(), 1U);
-    EXPECT_EQ(fieldsOf(*records.boxes()[0]),
-              "boxNumber = 3\nlocationCode = 2\nhbaNumber = 1\nname = Port 1I Box 3\n");
+    EXPECT_EQ(fieldsOf(*records.boxes()[0]), "boxNumber = 3\nlocationCode = 2\nhbaNumber = 1\nname = Port 1I Box 3\n");
     ASSERT_EQ(records.volumes().size(), 1U);
     EXPECT_EQ(fieldsOf(*records.volumes()[0]), "hbaNumber = 1\nlogicalDriveNumber = 2\nsize = 572325\n"
                                                "rebuildingDrive = 4294967295\nraidLevel = 5\nosName = /dev/sdb\n")

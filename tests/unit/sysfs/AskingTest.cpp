@@ -3,13 +3,13 @@
 #include "LiveRecords.h"
 #include "PageBytes.h"
 
-#include <gtest/gtest.h>
-
 #include <atomic>
 #include <condition_variable>
 #include <functional>
 #include <set>
 #include <thread>
+
+#include <gtest/gtest.h>
 
 namespace KDV {
 namespace {
@@ -20,7 +20,7 @@ using std::chrono::milliseconds;
 struct FakeDevices {
     std::mutex lock;
     std::condition_variable changed;
-    std::set<std::string> hanging;         // node
+    std::set<std::string> hanging; // node
     std::set<std::thread::id> openedOn;
     std::size_t opened = 0;
     ReadyReply reply{Readiness::Ready, false, false, false};
@@ -38,7 +38,8 @@ class FakeLink final : public DeviceLink {
 public:
     FakeLink(std::shared_ptr<FakeDevices> devices, std::string node)
         : _devices(std::move(devices)), _node(std::move(node))
-    {}
+    {
+    }
     ReadyReply testUnitReady() override
     {
         std::unique_lock<std::mutex> guard(_devices->lock);
@@ -98,8 +99,7 @@ bool refreshUntil(LiveRecords& records, const std::function<bool()>& holds)
 {
     for (int turn = 0; turn < 6000; ++turn) {
         records.refresh();
-        if (holds())
-            return true;
+        if (holds()) return true;
         std::mutex lock;
         std::unique_lock<std::mutex> guard(lock);
         std::condition_variable nobody;
@@ -249,10 +249,17 @@ TEST_F(AskedPages, EveryStatusOfADisk)
     struct {
         const char* ready;
         int asc, ascq, used, status;
-    } const cases[] = {{"ready", 0, 0, 0, 2},          {"ready", 0x5D, 0x10, 0, 3}, {"ready", 0x5D, 0xFF, 0, 2},
-                       {"ready", 0x0B, 0x01, 0, 12},   {"ready", 0, 0, 100, 10},    {"asleep", 0x5D, 0, 0, 2},
-                       {"not ready", 0x5D, 0, 0, 6},   {"no connect", 0, 0, 0, 7},  {"denied", 0, 0, 0, 0},
-                       {"hung", 0, 0, 0, 0},           {"", 0, 0, 0, 0}};
+    } const cases[] = {{"ready", 0, 0, 0, 2},
+                       {"ready", 0x5D, 0x10, 0, 3},
+                       {"ready", 0x5D, 0xFF, 0, 2},
+                       {"ready", 0x0B, 0x01, 0, 12},
+                       {"ready", 0, 0, 100, 10},
+                       {"asleep", 0x5D, 0, 0, 2},
+                       {"not ready", 0x5D, 0, 0, 6},
+                       {"no connect", 0, 0, 0, 7},
+                       {"denied", 0, 0, 0, 0},
+                       {"hung", 0, 0, 0, 0},
+                       {"", 0, 0, 0, 0}};
     for (const auto& one : cases) {
         health(one.asc, one.ascq, one.used);
         sysfs.page("0:0:0:0", "ready", one.ready);
@@ -285,14 +292,17 @@ TEST_F(AskedPages, AnEnclosureThatTheKernelsDriverPassedOver)
     sysfs.addDisk(host, ses);
     sysfs.page("0:0:0:0", "ready", "ready");
     sysfs.page("0:0:1:0", "ready", "ready");
-    const std::vector<SesType> types{{SesElement::arrayDeviceSlot, 2}, {SesElement::cooling, 1},
-                                     {SesElement::powerSupply, 1}, {SesElement::temperatureSensor, 1}};
+    const std::vector<SesType> types{{SesElement::arrayDeviceSlot, 2},
+                                     {SesElement::cooling, 1},
+                                     {SesElement::powerSupply, 1},
+                                     {SesElement::temperatureSensor, 1}};
     sysfs.page("0:0:1:0", "ses_01", sesConfiguration(types));
     const std::string ok = sesElement(SesCode::ok);
-    sysfs.page("0:0:1:0", "ses_02", sesStatus(0x04, {{ok, sesElement(SesCode::critical)},
-                                                     {sesElement(SesCode::nonCritical)},
-                                                     {sesElement(SesCode::unrecoverable)},
-                                                     {ok}}));
+    sysfs.page("0:0:1:0", "ses_02",
+               sesStatus(0x04, {{ok, sesElement(SesCode::critical)},
+                                {sesElement(SesCode::nonCritical)},
+                                {sesElement(SesCode::unrecoverable)},
+                                {ok}}));
     sysfs.page("0:0:1:0", "ses_0a", sesPage(0x0A, 0, sesSlotDescriptor(1, 12, 0x5000a72001240001)));
     LiveRecords records(sysfs);
     ASSERT_EQ(records.boxes().size(), 1U);
@@ -322,8 +332,8 @@ TEST_F(AskedPages, TheEnclosureClassSaysThatADiskFailed)
     struct {
         const char *status, *fault;
         int expected;
-    } const cases[] = {{"OK", "0", 2},       {"critical", "0", 4}, {"unrecoverable", "0", 4},
-                       {"OK", "2", 2},       {"OK", "4", 4},       {"non-critical", "0", 2}};
+    } const cases[] = {{"OK", "0", 2}, {"critical", "0", 4}, {"unrecoverable", "0", 4},
+                       {"OK", "2", 2}, {"OK", "4", 4},       {"non-critical", "0", 2}};
     for (const auto& one : cases) {
         sysfs.file(enclosure + "/Slot #1, x/status", one.status);
         sysfs.file(enclosure + "/Slot #1, x/fault", one.fault);

@@ -1,6 +1,5 @@
 // Drives: one record for a disk however many ways lead to it, numbers that stay, and values that must not be cut.
 #include "LiveRecords.h"
-
 #include "sashba/sysfs/Numbering.h"
 
 #include <gtest/gtest.h>
@@ -134,9 +133,9 @@ TEST_F(LiveDrives, SayTheirSizeInBlocksThatFit)
         {1172123568, 512, 512, 572325, 512, 1172123568},
         {7814037168, 512, 4096, 3815447, 4096, 976754646}, // does not fit in the small blocks
         {7814037168, 4096, 4096, 3815447, 4096, 976754646},
-        {7814037168, 512, 512, 3815447, 512, 0},           // does not fit at all: not told rather than wrong
+        {7814037168, 512, 512, 3815447, 512, 0}, // does not fit at all: not told rather than wrong
         {0, 512, 512, 0, 512, 0},
-        {18446744073709551615ULL, 512, 512, 0, 0, 0},      // no size
+        {18446744073709551615ULL, 512, 512, 0, 0, 0}, // no size
         {4294967295, 520, 520, 2097151, 520, 0},
     };
     for (const auto& one : cases) {

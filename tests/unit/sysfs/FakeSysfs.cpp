@@ -3,7 +3,6 @@
 #include <cstdlib>
 #include <fstream>
 #include <stdexcept>
-
 #include <unistd.h>
 
 namespace KDV {
@@ -11,10 +10,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-std::string last(const std::string& path)
-{
-    return path.substr(path.rfind('/') + 1);
-}
+std::string last(const std::string& path) { return path.substr(path.rfind('/') + 1); }
 
 } // namespace
 
@@ -29,8 +25,7 @@ FakeSysfs::FakeSysfs()
 {
     const bool inMemory = access("/dev/shm", W_OK) == 0; // thousands of small files
     std::string pattern = ((inMemory ? fs::path("/dev/shm") : fs::temp_directory_path()) / "kdv-sysfs-XXXXXX").string();
-    if (!mkdtemp(pattern.data()))
-        throw std::runtime_error("no folder for a tree");
+    if (!mkdtemp(pattern.data())) throw std::runtime_error("no folder for a tree");
     _folder = pattern;
     fs::create_directories(_folder / "sys" / "class");
 }
@@ -60,15 +55,9 @@ void FakeSysfs::link(const std::string& inTree, const std::string& targetInTree)
                        path(inTree));
 }
 
-void FakeSysfs::folder(const std::string& inTree) const
-{
-    fs::create_directories(path(inTree));
-}
+void FakeSysfs::folder(const std::string& inTree) const { fs::create_directories(path(inTree)); }
 
-void FakeSysfs::remove(const std::string& inTree) const
-{
-    fs::remove_all(path(inTree));
-}
+void FakeSysfs::remove(const std::string& inTree) const { fs::remove_all(path(inTree)); }
 
 std::string FakeSysfs::addHba(const FakeHba& hba)
 {
@@ -120,10 +109,8 @@ std::string FakeSysfs::addDisk(const std::string& hostPath, const FakeDisk& disk
         file(sas + "sas_address", disk.sasAddress + "\n");
         file(sas + "target_port_protocols", disk.protocols + "\n");
         file(sas + "phy_identifier", disk.phy + "\n");
-        if (!disk.bay.empty())
-            file(sas + "bay_identifier", disk.bay + "\n");
-        if (!disk.enclosureIdentifier.empty())
-            file(sas + "enclosure_identifier", disk.enclosureIdentifier + "\n");
+        if (!disk.bay.empty()) file(sas + "bay_identifier", disk.bay + "\n");
+        if (!disk.enclosureIdentifier.empty()) file(sas + "enclosure_identifier", disk.enclosureIdentifier + "\n");
     }
     device += "/target" + disk.address.substr(0, disk.address.rfind(':')) + "/" + disk.address;
     const std::string at = device + "/";
@@ -132,15 +119,12 @@ std::string FakeSysfs::addDisk(const std::string& hostPath, const FakeDisk& disk
     file(at + "model", disk.model + "        \n");
     file(at + "rev", disk.revision + "\n");
     file(at + "state", disk.state + "\n");
-    if (!disk.wwid.empty())
-        file(at + "wwid", disk.wwid + "\n");
-    if (!disk.serial.empty())
-        file(at + "vpd_pg80", vpdPage(0x80, disk.serial + "  "));
+    if (!disk.wwid.empty()) file(at + "wwid", disk.wwid + "\n");
+    if (!disk.serial.empty()) file(at + "vpd_pg80", vpdPage(0x80, disk.serial + "  "));
     if (disk.rotation != 0)
         file(at + "vpd_pgb1", vpdPage(0xB1, std::string{static_cast<char>(disk.rotation >> 8),
                                                         static_cast<char>(disk.rotation), '\0', '\3'}));
-    if (!disk.generic.empty())
-        folder(at + "scsi_generic/" + disk.generic);
+    if (!disk.generic.empty()) folder(at + "scsi_generic/" + disk.generic);
     if (!disk.block.empty()) {
         const std::string block = at + "block/" + disk.block;
         file(block + "/size", std::to_string(disk.sectors) + "\n");

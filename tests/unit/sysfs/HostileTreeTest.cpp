@@ -3,13 +3,12 @@
 // are printable, counts fit their lists.
 #include "LiveRecords.h"
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <functional>
 #include <random>
-
 #include <sys/stat.h>
+
+#include <gtest/gtest.h>
 
 namespace KDV {
 namespace {
@@ -57,7 +56,11 @@ void checkRecords(const LiveRecords& records)
 // A machine with one of everything.
 void build(FakeSysfs& sysfs)
 {
-    const std::string host = sysfs.addHba({0, "pci0000:00/0000:00:01.0/0000:01:00.0", "mpt3sas", "running", true,
+    const std::string host = sysfs.addHba({0,
+                                           "pci0000:00/0000:00:01.0/0000:01:00.0",
+                                           "mpt3sas",
+                                           "running",
+                                           true,
                                            {{"board_name", "ZX9300-8e"}, {"version_fw", "16"}}});
     sysfs.addSlot("3", "0000:01:00");
     const std::string port = sysfs.addPort(host, "port-0:0", {0});
@@ -121,8 +124,7 @@ void damageEach(bool directories, const std::function<void(const FakeSysfs&, con
         before.refresh();
         checkRecords(before);
         checkRecords(LiveRecords(sysfs));
-        if (testing::Test::HasFailure())
-            return;
+        if (testing::Test::HasFailure()) return;
     }
 }
 
@@ -172,8 +174,7 @@ TEST(HostileTree, AnyAttributeMayBeBinaryHugeOrAbsurd)
          {binary, std::string(100000, '9'), std::string("18446744073709551615\n"), std::string("-1\n"),
           std::string("0\n"), std::string("0x\n"), std::string(5000, '\0'), std::string("4294967295\n")}) {
         damageEach(false, [&content](const FakeSysfs& sysfs, const std::string& entry) {
-            if (!fs::is_symlink(sysfs.path(entry)))
-                sysfs.file(entry, content);
+            if (!fs::is_symlink(sysfs.path(entry))) sysfs.file(entry, content);
         });
     }
 }
@@ -218,8 +219,7 @@ TEST(HostileTree, ChangesWhileItIsRead)
     std::mt19937 random(7); // fixed: a failure can be repeated
     for (int turn = 0; turn < 30; ++turn) {
         const std::vector<std::string> all = entries(sysfs, false);
-        if (all.empty())
-            break;
+        if (all.empty()) break;
         sysfs.remove(all[random() % all.size()]);
         records.refresh();
         checkRecords(records);

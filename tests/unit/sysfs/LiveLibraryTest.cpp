@@ -1,15 +1,14 @@
 // The shared library where nobody chooses a scenario: it reads the tree that KDV_SYSFS_ROOT names, takes its intervals
 // from the configuration file, and asks the process for a pass through a name that it finds when it is loaded.
 #include "FakeSysfs.h"
-
 #include "records/SasDataLibrary.h"
-
-#include <gtest/gtest.h>
 
 #include <atomic>
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
+
+#include <gtest/gtest.h>
 
 namespace {
 std::atomic<int> passesWanted{0};
@@ -17,10 +16,7 @@ std::atomic<int> passesWanted{0};
 
 // Stands for the one of the common library.
 extern "C" __attribute__((visibility("default"))) void kdvRequestPass() noexcept;
-void kdvRequestPass() noexcept
-{
-    ++passesWanted;
-}
+void kdvRequestPass() noexcept { ++passesWanted; }
 
 namespace KDV {
 namespace {

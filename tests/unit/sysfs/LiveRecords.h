@@ -2,7 +2,6 @@
 #pragma once
 
 #include "FakeSysfs.h"
-
 #include "records/Records.h"
 #include "sashba/RecordTree.h"
 #include "sashba/sysfs/CapturedDevice.h"

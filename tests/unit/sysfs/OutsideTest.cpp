@@ -3,10 +3,10 @@
 #include "sashba/sysfs/SgDevice.h"
 #include "sashba/sysfs/SmartctlRun.h"
 
-#include <gtest/gtest.h>
-
 #include <atomic>
 #include <memory>
+
+#include <gtest/gtest.h>
 
 namespace KDV {
 namespace {

@@ -16,10 +16,7 @@ inline std::string bytesOf(std::initializer_list<int> values)
     return bytes;
 }
 
-inline std::string number16(std::size_t value)
-{
-    return {static_cast<char>(value >> 8), static_cast<char>(value)};
-}
+inline std::string number16(std::size_t value) { return {static_cast<char>(value >> 8), static_cast<char>(value)}; }
 
 inline std::string number64(std::uint64_t value)
 {

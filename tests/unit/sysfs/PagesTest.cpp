@@ -1,8 +1,6 @@
 // The parsers of device pages, each with a good page, one cut off at every length, and one of another kind.
-#include "PageBytes.h"
-
 #include "FakeSysfs.h"
-
+#include "PageBytes.h"
 #include "sashba/sysfs/PathInfo.h"
 #include "sashba/sysfs/PlugEvents.h"
 #include "sashba/sysfs/ScsiPages.h"
@@ -16,10 +14,7 @@ namespace {
 
 using Bytes = std::vector<std::uint8_t>;
 
-ByteView view(const std::string& bytes)
-{
-    return ByteView(bytes);
-}
+ByteView view(const std::string& bytes) { return ByteView(bytes); }
 
 TEST(Inquiry, TellsTypeTextsAndEnclosureServices)
 {

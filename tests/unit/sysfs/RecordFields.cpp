@@ -1,5 +1,4 @@
 #include "LiveRecords.h"
-
 #include "sashba/scenario/FieldTables.h"
 
 #include <algorithm>
@@ -18,8 +17,7 @@ std::string fields(ElementKind kind, const unsigned char* record)
         if (row.form == FieldForm::Text) {
             const std::string value(reinterpret_cast<const char*>(at),
                                     ::strnlen(reinterpret_cast<const char*>(at), row.bytes));
-            if (!value.empty())
-                text += std::string(row.name) + " = " + value + "\n";
+            if (!value.empty()) text += std::string(row.name) + " = " + value + "\n";
             continue;
         }
         const std::size_t step = row.form == FieldForm::DriveNumbers ? 4 : row.bytes;
@@ -32,8 +30,7 @@ std::string fields(ElementKind kind, const unsigned char* record)
         }
         while (!numbers.empty() && numbers.back() == 0)
             numbers.pop_back();
-        if (numbers.empty())
-            continue;
+        if (numbers.empty()) continue;
         text += std::string(row.name) + " =";
         for (const std::uint64_t number : numbers)
             text += " " + std::to_string(number);
@@ -50,24 +47,12 @@ std::string fieldsOfRecord(ElementKind kind, const Record& record)
 
 } // namespace
 
-std::string fieldsOf(const SasHbaRecord& hba)
-{
-    return fieldsOfRecord(ElementKind::Hba, hba);
-}
+std::string fieldsOf(const SasHbaRecord& hba) { return fieldsOfRecord(ElementKind::Hba, hba); }
 
-std::string fieldsOf(const SasPhysicalDriveRecord& drive)
-{
-    return fieldsOfRecord(ElementKind::PhysicalDrive, drive);
-}
+std::string fieldsOf(const SasPhysicalDriveRecord& drive) { return fieldsOfRecord(ElementKind::PhysicalDrive, drive); }
 
-std::string fieldsOf(const SasStorageBoxRecord& box)
-{
-    return fieldsOfRecord(ElementKind::StorageBox, box);
-}
+std::string fieldsOf(const SasStorageBoxRecord& box) { return fieldsOfRecord(ElementKind::StorageBox, box); }
 
-std::string fieldsOf(const SasLogicalDriveRecord& volume)
-{
-    return fieldsOfRecord(ElementKind::LogicalDrive, volume);
-}
+std::string fieldsOf(const SasLogicalDriveRecord& volume) { return fieldsOfRecord(ElementKind::LogicalDrive, volume); }
 
 } // namespace KDV

@@ -1,9 +1,9 @@
 // A machine written as a scenario and read again is the same machine.
+#include "sashba/sysfs/ScenarioWriter.h"
+
 #include "LiveRecords.h"
 #include "PageBytes.h"
-
 #include "sashba/scenario/ScenarioReader.h"
-#include "sashba/sysfs/ScenarioWriter.h"
 
 #include <gtest/gtest.h>
 
@@ -13,7 +13,11 @@ namespace {
 TEST(ScenarioWriter, WritesWhatTheReaderMakesTheSameRecordsOf)
 {
     FakeSysfs sysfs;
-    const std::string host = sysfs.addHba({0, "pci0000:00/0000:00:05.0", "mpt3sas", "running", true,
+    const std::string host = sysfs.addHba({0,
+                                           "pci0000:00/0000:00:05.0",
+                                           "mpt3sas",
+                                           "running",
+                                           true,
                                            {{"board_name", "ZX \"9300\""}, {"board_tracer", "SP1"}}});
     std::vector<std::string> devices;
     for (unsigned i = 0; i < 3; ++i) {

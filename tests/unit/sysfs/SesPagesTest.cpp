@@ -1,7 +1,7 @@
 // Enclosure pages one by one and what they say together.
-#include "PageBytes.h"
-
 #include "sashba/sysfs/SesPages.h"
+
+#include "PageBytes.h"
 
 #include <gtest/gtest.h>
 
@@ -13,10 +13,7 @@ constexpr int fans = SesElement::cooling;
 constexpr int power = SesElement::powerSupply;
 constexpr int heat = SesElement::temperatureSensor;
 
-ByteView view(const std::string& bytes)
-{
-    return ByteView(bytes);
-}
+ByteView view(const std::string& bytes) { return ByteView(bytes); }
 
 // Two bays, two fans, a power supply and a sensor.
 const std::vector<SesType> types{{slots, 2}, {fans, 2}, {power, 1}, {heat, 1}};
@@ -26,10 +23,7 @@ std::string statusWith(int flags, const std::vector<std::string>& elements)
     return sesStatus(flags, {{elements[0], elements[1]}, {elements[2], elements[3]}, {elements[4]}, {elements[5]}});
 }
 
-std::vector<std::string> allOk()
-{
-    return std::vector<std::string>(6, sesElement(SesCode::ok));
-}
+std::vector<std::string> allOk() { return std::vector<std::string>(6, sesElement(SesCode::ok)); }
 
 EnclosureState stateOf(const std::string& status, const std::string& additional = "", const std::string& names = "")
 {

@@ -1,6 +1,5 @@
 // Volumes: those of the adapter's firmware as far as the kernel tells of them, and md arrays with everything.
 #include "LiveRecords.h"
-
 #include "sashba/sysfs/VolumePlan.h"
 
 #include <gtest/gtest.h>
@@ -97,12 +96,11 @@ TEST_F(LiveArrays, TooManyMissingDrivesOrADeadStateIsAFailedArray)
         const char *level, *state, *degraded;
         unsigned disks;
         int status, redundancy;
-    } const cases[] = {{"raid5", "clean", "1", 4, 3, 3},   {"raid5", "clean", "2", 4, 4, 5},
-                       {"raid6", "active", "2", 4, 3, 3},  {"raid6", "active", "3", 4, 4, 5},
-                       {"raid1", "clean", "1", 2, 3, 3},   {"raid1", "clean", "2", 2, 4, 5},
-                       {"raid10", "clean", "2", 4, 3, 3},  {"raid0", "broken", "", 2, 4, 5},
-                       {"raid0", "clean", "", 2, 2, 2},    {"raid5", "inactive", "0", 4, 4, 5},
-                       {"raid5", "", "0", 4, 0, 0},        {"raid1", "clean", "nonsense", 2, 2, 2}};
+    } const cases[] = {
+        {"raid5", "clean", "1", 4, 3, 3},    {"raid5", "clean", "2", 4, 4, 5}, {"raid6", "active", "2", 4, 3, 3},
+        {"raid6", "active", "3", 4, 4, 5},   {"raid1", "clean", "1", 2, 3, 3}, {"raid1", "clean", "2", 2, 4, 5},
+        {"raid10", "clean", "2", 4, 3, 3},   {"raid0", "broken", "", 2, 4, 5}, {"raid0", "clean", "", 2, 2, 2},
+        {"raid5", "inactive", "0", 4, 4, 5}, {"raid5", "", "0", 4, 0, 0},      {"raid1", "clean", "nonsense", 2, 2, 2}};
     const std::string md = mirror();
     LiveRecords records(sysfs);
     for (const auto& one : cases) {
@@ -179,11 +177,9 @@ TEST_F(LiveArrays, AFirmwareVolumeOfTheRaidClass)
         LiveRecords records(sysfs);
         ASSERT_EQ(records.volumes().size(), 1U);
         std::string expected = "logicalDriveNumber = 3\nsize = 572325\nrebuildingDrive = 4294967295\nraidLevel = 4\n";
-        if (one.status)
-            expected += "status = " + std::to_string(one.status) + "\n";
+        if (one.status) expected += "status = " + std::to_string(one.status) + "\n";
         expected += "osName = /dev/sdv\n";
-        if (one.redundancy)
-            expected += "redundancyState = " + std::to_string(one.redundancy) + "\n";
+        if (one.redundancy) expected += "redundancyState = " + std::to_string(one.redundancy) + "\n";
         EXPECT_EQ(fieldsOf(*records.volumes()[0]), expected) << one.state;
         EXPECT_EQ(records.drives().size(), 4U) << "a volume is no drive";
     }
@@ -191,10 +187,10 @@ TEST_F(LiveArrays, AFirmwareVolumeOfTheRaidClass)
 
 TEST(RaidLevel, HasACodeWhereTheRecordsKnowOne)
 {
-    const std::pair<const char*, int> cases[] = {{"raid0", 2},   {"raid1", 3},         {"raid10", 4}, {"raid5", 5},
-                                                 {"RAID-0", 2},  {"RAID-1(1+0)", 3},   {"RAID-5", 5}, {"RAID-5+1", 6},
-                                                 {"raid6", 0},   {"linear", 0},        {"jbod", 0},   {"(null)", 0},
-                                                 {"RAID-6", 0},  {"RAID 1(Triple)", 3}, {"", 0},      {"raid50", 0}};
+    const std::pair<const char*, int> cases[] = {{"raid0", 2},  {"raid1", 3},          {"raid10", 4}, {"raid5", 5},
+                                                 {"RAID-0", 2}, {"RAID-1(1+0)", 3},    {"RAID-5", 5}, {"RAID-5+1", 6},
+                                                 {"raid6", 0},  {"linear", 0},         {"jbod", 0},   {"(null)", 0},
+                                                 {"RAID-6", 0}, {"RAID 1(Triple)", 3}, {"", 0},       {"raid50", 0}};
     for (const auto& [text, code] : cases)
         EXPECT_EQ(raidLevelCode(text), code) << text;
 }

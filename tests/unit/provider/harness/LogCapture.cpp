@@ -40,8 +40,7 @@ std::vector<std::string> LogCapture::linesWith(const std::string& part) const
 {
     std::vector<std::string> found;
     for (std::string& line : lines())
-        if (line.find(part) != std::string::npos)
-            found.push_back(std::move(line));
+        if (line.find(part) != std::string::npos) found.push_back(std::move(line));
     return found;
 }
 
@@ -52,9 +51,6 @@ void LogCapture::clear()
     _sources.clear();
 }
 
-void LogCapture::stop()
-{
-    setLogLevel(LogLevel::off);
-}
+void LogCapture::stop() { setLogLevel(LogLevel::off); }
 
 } // namespace KDV::Test

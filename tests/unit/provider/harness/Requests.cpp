@@ -20,8 +20,7 @@ PathObject& pathOf(RequestScope& scope, const ObjectName& name)
 
 const char** listOf(std::vector<const char*>& properties)
 {
-    if (properties.empty())
-        return nullptr;
+    if (properties.empty()) return nullptr;
     properties.push_back(nullptr);
     return properties.data();
 }
@@ -37,8 +36,7 @@ Reply Requests::run(const Call& call) const
         ResultObject result(_broker, sink, ResultKind::Any);
         const CMPIStatus status = call(scope, scope.context(), result.cmpi());
         reply.rc = status.rc;
-        if (status.msg)
-            reply.message = StringObject::of(status.msg).text();
+        if (status.msg) reply.message = StringObject::of(status.msg).text();
     }
     reply.instances = std::move(sink.instances);
     reply.paths = std::move(sink.paths);

@@ -11,12 +11,6 @@ KDV_TEST_SYMBOL KDV::Test::TestMachine* kdvTestMachine()
     return &machine;
 }
 
-KDV_TEST_SYMBOL void CreateSasLists(KDV::SasDataRoot* root)
-{
-    kdvTestMachine()->createLists(*root);
-}
+KDV_TEST_SYMBOL void CreateSasLists(KDV::SasDataRoot* root) { kdvTestMachine()->createLists(*root); }
 
-KDV_TEST_SYMBOL void UpdateSasData(KDV::SasDataRoot* root)
-{
-    kdvTestMachine()->update(*root);
-}
+KDV_TEST_SYMBOL void UpdateSasData(KDV::SasDataRoot* root) { kdvTestMachine()->update(*root); }

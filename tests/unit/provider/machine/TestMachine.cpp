@@ -3,7 +3,6 @@
 #include <cstring>
 #include <new>
 #include <string>
-
 #include <sys/mman.h>
 
 namespace KDV::Test {
@@ -15,8 +14,7 @@ unsigned char* newArena()
 {
     void* arena = mmap(nullptr, arenaBytes, PROT_READ | PROT_WRITE,
                        MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE | MAP_32BIT, -1, 0);
-    if (arena == MAP_FAILED)
-        throw std::bad_alloc();
+    if (arena == MAP_FAILED) throw std::bad_alloc();
     return static_cast<unsigned char*>(arena);
 }
 
@@ -27,8 +25,7 @@ Record* newRecord()
     static unsigned char* const arena = newArena();
     static std::size_t used = 0;
     const std::size_t bytes = (sizeof(Record) + 7) / 8 * 8;
-    if (used + bytes > arenaBytes)
-        throw std::bad_alloc();
+    if (used + bytes > arenaBytes) throw std::bad_alloc();
     auto* record = reinterpret_cast<Record*>(arena + used);
     used += bytes;
     return record;
@@ -60,8 +57,7 @@ SasHbaRecord& TestMachine::addHba(std::uint32_t number)
     hba->controllerStatus = 2;
     put(hba->firmwareVersion, "2.10");
     put(hba->name, "Adapter " + std::to_string(number));
-    if (!_hbas.empty())
-        _hbas.back()->next.set(hba);
+    if (!_hbas.empty()) _hbas.back()->next.set(hba);
     _hbas.push_back(hba);
     return *hba;
 }
@@ -80,11 +76,9 @@ SasLogicalDriveRecord& TestMachine::addVolume(SasHbaRecord& hba, std::uint32_t n
     volume->redundancyState = 2;
     put(volume->osName, "/dev/sda");
     volume->memberCount = static_cast<std::uint32_t>(members.size());
-    if (!members.empty())
-        std::memcpy(volume->members, members.data(), members.size() * sizeof(std::uint32_t));
+    if (!members.empty()) std::memcpy(volume->members, members.data(), members.size() * sizeof(std::uint32_t));
     volume->spareCount = static_cast<std::uint32_t>(spares.size());
-    if (!spares.empty())
-        std::memcpy(volume->spares, spares.data(), spares.size() * sizeof(std::uint32_t));
+    if (!spares.empty()) std::memcpy(volume->spares, spares.data(), spares.size() * sizeof(std::uint32_t));
     append(hba.logicalDrives, volume);
     return *volume;
 }
@@ -133,33 +127,24 @@ void TestMachine::pull(SasHbaRecord& hba, std::uint32_t driveNumber)
     RecordLink<SasPhysicalDriveRecord>* link = &hba.physicalDrives;
     while (*link && link->get()->driveNumber != driveNumber)
         link = &link->get()->next;
-    if (*link)
-        link->set(link->get()->next.get());
+    if (*link) link->set(link->get()->next.get());
 }
 
-void TestMachine::insert(SasHbaRecord& hba, SasPhysicalDriveRecord& drive)
-{
-    append(hba.physicalDrives, &drive);
-}
+void TestMachine::insert(SasHbaRecord& hba, SasPhysicalDriveRecord& drive) { append(hba.physicalDrives, &drive); }
 
-void TestMachine::clear()
-{
-    *this = TestMachine();
-}
+void TestMachine::clear() { *this = TestMachine(); }
 
 void TestMachine::createLists(SasDataRoot& root)
 {
     ++_created;
     root.hbas.set(_hbas.empty() ? nullptr : _hbas.front());
-    if (whenCreated)
-        whenCreated(root);
+    if (whenCreated) whenCreated(root);
 }
 
 void TestMachine::update(SasDataRoot& root)
 {
     ++_updated;
-    if (whenUpdated)
-        whenUpdated(root);
+    if (whenUpdated) whenUpdated(root);
 }
 
 } // namespace KDV::Test
