@@ -13,6 +13,7 @@
 #include <memory>
 #include <string>
 #include <unistd.h>
+#include <vector>
 
 using namespace CmpiCpp;
 namespace KDV {
@@ -29,7 +30,8 @@ struct NameLess {
     }
 };
 
-using Registry = std::map<std::string, CmpiProvider*, NameLess>;
+struct WrappedProvider;
+using Registry = std::map<std::string, WrappedProvider*, NameLess>;
 
 pthread_mutex_t registryMutex = PTHREAD_MUTEX_INITIALIZER;
 
@@ -66,13 +68,13 @@ Logger processLogger()
     return logger;
 }
 
-CmpiProvider* createProvider(const CMPIBroker* broker, const char* name)
+WrappedProvider* createProvider(const CMPIBroker* broker, const char* name)
 {
     if (CmpiName(name) != CmpiName(providerName)) return nullptr;
     static const Logger logger = processLogger();
-    static WrappedProvider* kept = nullptr; // lets leak checkers see that it is still meant
-    kept = std::make_unique<WrappedProvider>(broker, logger).release();
-    return &kept->logged;
+    static auto& everMade = *std::make_unique<std::vector<std::unique_ptr<WrappedProvider>>>().release();
+    everMade.push_back(std::make_unique<WrappedProvider>(broker, logger));
+    return everMade.back().get();
 }
 
 } // namespace
@@ -85,10 +87,11 @@ CmpiProvider* obtainProvider(const CMPIBroker* broker, const CmpiContext&, const
         Registry& providers = registry();
         const std::string key = name ? name : "";
         const auto found = providers.find(key);
-        if (found != providers.end()) {
-            provider = found->second;
-        } else if (provider = createProvider(broker, name); provider) {
-            providers.emplace(key, provider);
+        if (found != providers.end() && !found->second->decorator.isFinished()) {
+            provider = &found->second->logged;
+        } else if (WrappedProvider* const made = createProvider(broker, name)) {
+            providers[key] = made;
+            provider = &made->logged;
         }
     }
     if (provider) provider->incRefcount();

@@ -1,6 +1,8 @@
 // The provider objects of this process by name: all entry points hand out the same one. Made at the first request for
-// the name, kept until the process ends. Safe from any thread; the registry's lock is never held together with the
-// provider's.
+// the name and kept until the process ends. After a terminating cleanup the next request makes a new one with the
+// broker of that request: a server that disables a provider and enables it again may have ended the broker that the
+// first one knew, while the library stayed in memory. Safe from any thread; the registry's lock is never held together
+// with the provider's.
 #pragma once
 
 #include "cmpi/Broker.h"

@@ -115,8 +115,10 @@ bool AutostartDecorator::cleanup(const CmpiContext& context, bool terminating)
 
 bool AutostartDecorator::unloadOK(const CmpiContext& context)
 {
-    return _schedule->isStopped() && ProviderForwarder::unloadOK(context);
+    return isFinished() && ProviderForwarder::unloadOK(context);
 }
+
+bool AutostartDecorator::isFinished() const { return _schedule->isStopped(); }
 
 void AutostartDecorator::entering(const CmpiContext& context) { _schedule->offer(context.raw()); }
 

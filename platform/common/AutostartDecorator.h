@@ -53,6 +53,9 @@ public:
     bool cleanup(const CmpiCpp::CmpiContext& context, bool terminating) override;
     bool unloadOK(const CmpiCpp::CmpiContext& context) override; // not before a terminating cleanup
 
+    // Has a terminating cleanup ended the passes for good? Any thread.
+    bool isFinished() const;
+
     void enumInstanceNames(const CmpiCpp::CmpiContext& context, const CmpiCpp::CmpiObjectPath& classPath,
                            const CmpiCpp::CmpiObjectPathResult& result) override;
     void enumInstances(const CmpiCpp::CmpiContext& context, const CmpiCpp::CmpiObjectPath& classPath,

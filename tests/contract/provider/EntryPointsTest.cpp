@@ -212,6 +212,29 @@ TEST_P(EntryPoints, RefuseToUnloadUntilTheServerEnds)
             EXPECT_EQ(library.cleanup(true, table), CMPI_RC_OK);
 }
 
+// A server that disables the provider and enables it again keeps the library in memory, but not its broker.
+TEST_P(EntryPoints, MakeANewProviderAfterATerminatingCleanup)
+{
+    LoadedProvider library(GetParam());
+    library.requests();
+    const auto* const first = providerOf(library.createInstanceMI());
+    EXPECT_EQ(library.cleanup(false, 0), CMPI_RC_DO_NOT_UNLOAD);
+    EXPECT_EQ(providerOf(library.createInstanceMI()), first);
+    EXPECT_EQ(library.cleanup(true, 0), CMPI_RC_OK);
+
+    machine.addHba(2);
+    const Requests again = library.requestsAfresh();
+    const auto* const second = providerOf(library.createInstanceMI());
+    ASSERT_NE(second, nullptr);
+    EXPECT_NE(second, first);
+    EXPECT_EQ(providerOf(library.createMethodMI()), second);
+    EXPECT_EQ(second->refcount(), 6u);
+    EXPECT_EQ(machine.created(), 2u);
+    EXPECT_EQ(again.instanceNames("KDV_SASArraySystem").paths.size(), 2u);
+    EXPECT_EQ(again.pass().values, Lines{"0"});
+    EXPECT_EQ(library.cleanup(false, 0), CMPI_RC_DO_NOT_UNLOAD); // it has a schedule of its own
+}
+
 TEST_P(EntryPoints, ServeTheMachineOfTheDataLibraryInPlace)
 {
     LoadedProvider library(GetParam());

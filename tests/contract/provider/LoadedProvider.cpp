@@ -112,10 +112,11 @@ CMPIIndicationMI* LoadedProvider::createIndicationMI(const char* name)
     return create<CMPIIndicationMI>("_Generic_Create_IndicationMI", name);
 }
 
-Requests LoadedProvider::requests()
+Requests LoadedProvider::requests() { return _tables.instance ? Requests{_broker, _tables} : requestsAfresh(); }
+
+Requests LoadedProvider::requestsAfresh()
 {
-    if (!_tables.instance)
-        _tables = {createInstanceMI(), createAssociationMI(), createMethodMI(), createIndicationMI()};
+    _tables = {createInstanceMI(), createAssociationMI(), createMethodMI(), createIndicationMI()};
     return {_broker, _tables};
 }
 

@@ -33,7 +33,8 @@ public:
     CMPIMethodMI* createMethodMI(const char* name = "KDVSASHBA");
     CMPIIndicationMI* createIndicationMI(const char* name = "KDVSASHBA");
 
-    Requests requests();                         // makes all four tables
+    Requests requests();                         // makes all four tables at the first call
+    Requests requestsAfresh();                   // and makes them again
     CMPIrc cleanup(bool terminating, int table); // 0 instance, 1 association, 2 method, 3 indication
 
 private:
