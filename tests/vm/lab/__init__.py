@@ -1,0 +1,1 @@
+"""A laboratory of virtual machines that have SAS hardware, for tests of the provider on a real kernel."""
