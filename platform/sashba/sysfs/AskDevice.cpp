@@ -93,8 +93,10 @@ void askEnclosure(const AskedDevice& device, DeviceLink* link, const SysfsTree& 
 void askVolume(const AskedDevice& device, const SysfsTree& tree, DeviceAnswer& answer)
 {
     for (const std::string& name : tree.names(device.path + "/raid_devices")) {
-        answer.raidLevel = tree.text(device.path + "/raid_devices/" + name + "/level");
-        answer.raidState = tree.text(device.path + "/raid_devices/" + name + "/state");
+        const std::string volume = device.path + "/raid_devices/" + name + "/";
+        answer.raidLevel = tree.text(volume + "level");
+        answer.raidState = tree.text(volume + "state");
+        answer.raidProgress = tree.number(volume + "resync");
     }
 }
 

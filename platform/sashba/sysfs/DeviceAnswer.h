@@ -44,6 +44,7 @@ struct DeviceAnswer {
 
     // Of a volume of the adapter's firmware.
     std::string raidLevel, raidState;
+    std::optional<std::uint64_t> raidProgress; // of a rebuild, as the driver counts it
 };
 
 // By askingKey(). The values are shared with the threads that ask and never change.

@@ -8,6 +8,8 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cstddef>
+#include <cstring>
 #include <limits>
 #include <optional>
 #include <set>
@@ -44,12 +46,18 @@ void setStates(SasLogicalDriveRecord& image, std::uint8_t status, std::uint8_t r
     image.redundancyState = redundancy;
 }
 
-void setFirmwareState(SasLogicalDriveRecord& image, const std::string& state)
+// The progress is in percent or in ten thousandths, as the driver likes; at its end the state says what came of it.
+bool isUnderWay(std::optional<std::uint64_t> progress)
+{
+    return progress && *progress > 0 && *progress < 10000 && *progress != 100;
+}
+
+void setFirmwareState(SasLogicalDriveRecord& image, const std::string& state, std::optional<std::uint64_t> progress)
 {
     if (state == "active")
         setStates(image, State::ok, State::ok);
     else if (state == "degraded")
-        setStates(image, State::degraded, Redundancy::lost);
+        setStates(image, State::degraded, isUnderWay(progress) ? Redundancy::rebuilding : Redundancy::lost);
     else if (state == "resyncing")
         setStates(image, State::degraded, Redundancy::rebuilding);
     else if (state == "offline")
@@ -66,7 +74,7 @@ SasLogicalDriveRecord firmwareVolume(const ScsiDevice& device, const LiveHba& hb
     if (!device.blockName.empty()) putWhole(image.osName, "/dev/" + device.blockName);
     if (const auto found = answers.find(askingKey(device)); found != answers.end() && !found->second->hung) {
         if (!found->second->raidLevel.empty()) image.raidLevel = raidLevelCode(found->second->raidLevel);
-        setFirmwareState(image, found->second->raidState);
+        setFirmwareState(image, found->second->raidState, found->second->raidProgress);
     }
     if (device.state == "offline") setStates(image, State::failed, Redundancy::failed);
     return image;
@@ -120,6 +128,13 @@ void putNumbersUnaligned(SasLogicalDriveRecord& image, const ArrayDrives& drives
                 sizeof spares);
 }
 
+void addOnce(std::vector<std::uint32_t>& numbers, std::uint32_t number) // two partitions may be on one drive
+{
+    if (std::find(numbers.begin(), numbers.end(), number) == numbers.end()) numbers.push_back(number);
+}
+
+bool isRebuilding(const MdArray& array) { return array.syncAction == "recover" || array.syncAction == "resync"; }
+
 ArrayDrives drivesOf(const MdArray& array, std::uint32_t host, const DrivesByPath& drives)
 {
     ArrayDrives found;
@@ -128,11 +143,12 @@ ArrayDrives drivesOf(const MdArray& array, std::uint32_t host, const DrivesByPat
         if (drive == drives.end() || drive->second.host != host) continue;
         const std::uint32_t number = drive->second.number;
         if (hasWord(member.state, "faulty")) continue; // the array does not use it any more
-        std::vector<std::uint32_t>& list = member.slot ? found.members : found.spares;
-        if (std::find(list.begin(), list.end(), number) == list.end()) // two partitions of one drive
-            list.push_back(number);
-        const bool recovers = array.syncAction == "recover" || array.syncAction == "resync";
-        if (recovers && member.slot && hasWord(member.state, "spare") && found.rebuilding == noDrive)
+        const bool spare = hasWord(member.state, "spare");
+        if (member.slot)
+            addOnce(found.members, number);
+        else if (spare) // what has neither a place nor this word is a journal or not yet in the array
+            addOnce(found.spares, number);
+        if (isRebuilding(array) && member.slot && spare && found.rebuilding == noDrive)
             found.rebuilding = number; // it has its place, but not yet its data
     }
     return found;
@@ -147,17 +163,26 @@ std::optional<std::uint64_t> spareableDrives(const MdArray& array)
     return std::nullopt;
 }
 
+bool lostWhatItNeeds(const MdArray& array)
+{
+    if (array.arrayState == "inactive" || array.arrayState == "clear" || array.arrayState == "broken") return true;
+    if (array.level == "raid0" || array.level == "linear") // they count no missing drives: every one is needed
+        return std::any_of(array.members.begin(), array.members.end(),
+                           [](const MdMember& member) { return hasWord(member.state, "faulty"); });
+    const std::uint64_t missing = array.degraded.value_or(0);
+    return missing > spareableDrives(array).value_or(missing);
+}
+
+// An array that brings its copies in line with each other has all its drives, but cannot yet do without one.
 void setArrayState(SasLogicalDriveRecord& image, const MdArray& array)
 {
     if (array.arrayState.empty()) return;
-    if (array.arrayState == "inactive" || array.arrayState == "clear" || array.arrayState == "broken")
-        return setStates(image, State::failed, Redundancy::failed);
-    const std::uint64_t missing = array.degraded.value_or(0);
-    if (missing > spareableDrives(array).value_or(missing)) return setStates(image, State::failed, Redundancy::failed);
-    if (missing > 0)
-        return setStates(image, State::degraded,
-                         image.rebuildingDrive != noDrive ? Redundancy::rebuilding : Redundancy::lost);
-    setStates(image, State::ok, State::ok);
+    if (lostWhatItNeeds(array)) return setStates(image, State::failed, Redundancy::failed);
+    const bool missing = array.degraded.value_or(0) > 0;
+    const std::uint8_t redundancy = isRebuilding(array) ? Redundancy::rebuilding
+                                    : missing           ? Redundancy::lost
+                                                        : State::ok;
+    setStates(image, missing ? State::degraded : State::ok, redundancy);
 }
 
 // "md7" is 7; an array with a name has none.

@@ -136,6 +136,97 @@ TEST_F(LiveArrays, PartitionsCountForTheirDisksOnceAndForeignDisksNotAtAll)
     EXPECT_EQ(+records.volumes()[0]->memberCount, 1U);
 }
 
+TEST_F(LiveArrays, AJournalAndADriveThatIsNotYetInAreNoSpares)
+{
+    const std::string md = mirror();
+    sysfs.addMdMember(md, disks[2], "sdc", "journal", "journal");
+    sysfs.addMdMember(md, disks[3], "sdd", "none", "external_bbl");
+    LiveRecords records(sysfs);
+    EXPECT_EQ(+records.volumes().at(0)->spareCount, 0U);
+    EXPECT_EQ(usages(records), (std::vector<int>{2, 2, 4, 4}));
+}
+
+TEST_F(LiveArrays, AContainerOfAMakersMetadataIsNoVolumeButTheArraysInItAre)
+{
+    const std::string container = sysfs.addMd("md127", "", 0, 0);
+    sysfs.file(container + "/metadata_version", "external:imsm\n");
+    sysfs.file(container + "/array_state", "inactive\n");
+    const std::string md = sysfs.addMd("md126", "raid1", 2);
+    sysfs.file(md + "/metadata_version", "external:/md127/0\n");
+    for (const std::string& folder : {container, md}) {
+        const bool inside = folder == md;
+        sysfs.addMdMember(folder, disks[0], "sda", inside ? "0" : "none", inside ? "in_sync" : "spare");
+        sysfs.addMdMember(folder, disks[1], "sdb", inside ? "1" : "none", inside ? "in_sync" : "spare");
+    }
+    LiveRecords records(sysfs);
+    ASSERT_EQ(records.volumes().size(), 1U);
+    EXPECT_EQ(fieldsOf(*records.volumes()[0]),
+              "logicalDriveNumber = 1126\nsize = 1024\nrebuildingDrive = 4294967295\nraidLevel = 3\nstatus = 2\n"
+              "osName = /dev/md126\nredundancyState = 2\nmemberCount = 2\nmembers = 0 1\n");
+    sysfs.file(md + "/metadata_version", "external:-md127/0\n");
+    records.refresh();
+    EXPECT_EQ(records.volumes().size(), 1U) << "an array that is being taken apart is still one";
+}
+
+TEST_F(LiveArrays, AMirrorWhoseCopiesAreBroughtInLineIsNotYetRedundant)
+{
+    const std::string md = mirror();
+    sysfs.file(md + "/sync_action", "resync\n");
+    LiveRecords records(sysfs);
+    EXPECT_EQ(records.volumes().at(0)->status, 2);
+    EXPECT_EQ(records.volumes()[0]->redundancyState, 4);
+    EXPECT_EQ(+records.volumes()[0]->rebuildingDrive, 0xFFFFFFFFU) << "no single drive is";
+    sysfs.file(md + "/sync_action", "check\n");
+    records.refresh();
+    EXPECT_EQ(records.volumes()[0]->redundancyState, 2);
+}
+
+TEST_F(LiveArrays, ARebuildOnAForeignDriveIsARebuildWithoutAName)
+{
+    const std::string md = sysfs.addMd("md0", "raid1", 2);
+    sysfs.addMdMember(md, disks[0], "sda", "0", "in_sync");
+    sysfs.file(md + "/dev-nvme0n1/slot", "1\n");
+    sysfs.file(md + "/dev-nvme0n1/state", "spare\n");
+    sysfs.file(md + "/degraded", "1\n");
+    sysfs.file(md + "/sync_action", "recover\n");
+    LiveRecords records(sysfs);
+    EXPECT_EQ(fieldsOf(*records.volumes().at(0)),
+              "logicalDriveNumber = 1000\nsize = 1024\nrebuildingDrive = 4294967295\nraidLevel = 3\nstatus = 3\n"
+              "osName = /dev/md0\nredundancyState = 4\nmemberCount = 1\n");
+}
+
+TEST_F(LiveArrays, AStripeThatLostADriveHasFailed)
+{
+    const std::string md = mirror();
+    LiveRecords records(sysfs);
+    for (const char* level : {"raid0\n", "linear\n"}) {
+        sysfs.file(md + "/level", level);
+        sysfs.file(md + "/dev-sdb/state", "in_sync\n");
+        records.refresh();
+        EXPECT_EQ(records.volumes().at(0)->status, 2) << level;
+        sysfs.file(md + "/dev-sdb/state", "faulty,in_sync\n");
+        records.refresh();
+        EXPECT_EQ(records.volumes().at(0)->status, 4) << level;
+        EXPECT_EQ(records.volumes().at(0)->redundancyState, 5) << level;
+    }
+}
+
+TEST_F(LiveArrays, AreFoundInATreeWithTheClassOfBlockDevicesOnlyAndByTheNamesOfTheirMembers)
+{
+    const std::string md = mirror();
+    for (const char* name : {"sda", "sdb"})
+        sysfs.remove(md + "/dev-" + name + "/block");
+    for (const char* name : {"sda", "sdb", "md7"})
+        sysfs.link(std::string("class/block/") + name, std::string(name) == "md7"
+                                                           ? md.substr(0, md.rfind('/'))
+                                                           : disks[name[2] == 'a' ? 0 : 1] + "/block/" + name);
+    sysfs.remove("block");
+    LiveRecords records(sysfs);
+    ASSERT_EQ(records.volumes().size(), 1U);
+    EXPECT_EQ(textOf(records.volumes()[0]->osName), "/dev/md7");
+    EXPECT_EQ(+records.volumes()[0]->memberCount, 2U);
+}
+
 TEST_F(LiveArrays, MoreMembersThanARecordHoldsAreCutInBothItsCountAndItsList)
 {
     const std::string md = sysfs.addMd("md0", "raid6", 20);
@@ -182,6 +273,26 @@ TEST_F(LiveArrays, AFirmwareVolumeOfTheRaidClass)
         if (one.redundancy) expected += "redundancyState = " + std::to_string(one.redundancy) + "\n";
         EXPECT_EQ(fieldsOf(*records.volumes()[0]), expected) << one.state;
         EXPECT_EQ(records.drives().size(), 4U) << "a volume is no drive";
+    }
+}
+
+TEST_F(LiveArrays, ADegradedFirmwareVolumeRebuildsWhileItsProgressMoves)
+{
+    FakeDisk volume;
+    volume.address = "0:1:0:0";
+    volume.block = "sdv";
+    volume.wwid = "naa.600508e0000000000000000000000001";
+    const std::string raid = sysfs.addDisk(host, volume) + "/raid_devices/0:1:0:0/";
+    sysfs.file(raid + "level", "raid5\n");
+    sysfs.file(raid + "state", "degraded\n");
+    const std::pair<const char*, int> cases[] = {{"0", 3},     {"37", 4},    {"3700", 4},
+                                                 {"10000", 3}, {"100", 3},   {"18446744073709551615", 3},
+                                                 {"", 3},      {"(null)", 3}};
+    for (const auto& [progress, redundancy] : cases) {
+        sysfs.file(raid + "resync", progress);
+        const LiveRecords records(sysfs);
+        EXPECT_EQ(records.volumes().at(0)->status, 3) << progress;
+        EXPECT_EQ(records.volumes().at(0)->redundancyState, redundancy) << progress;
     }
 }
 
