@@ -4,91 +4,105 @@
 #include <cerrno>
 #include <exception>
 #include <fcntl.h>
-#include <linux/netlink.h>
+#include <libudev.h>
 #include <poll.h>
 #include <pthread.h>
 #include <signal.h>
-#include <sys/socket.h>
 #include <unistd.h>
 
 namespace KDV {
+
+EventQueue::~EventQueue() = default;
+
 namespace {
 
 constexpr int quietMilliseconds = 100; // a pull is a dozen messages
 constexpr int mostBursts = 5;          // but in a storm of them somebody is told from time to time
+constexpr int queueBytes = 4 << 20;    // a shelf that comes is hundreds of messages; the kernel may grant less
 
-int openSocket()
-{
-    const int fd = socket(AF_NETLINK, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, NETLINK_KOBJECT_UEVENT);
-    if (fd < 0) return -1;
-    sockaddr_nl address{};
-    address.nl_family = AF_NETLINK;
-    address.nl_groups = 1; // the kernel's own messages
-    if (bind(fd, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0) return fd;
-    close(fd);
-    return -1;
-}
+constexpr const char* subsystems[] = {"scsi",           "scsi_disk",    "scsi_host",    "enclosure",
+                                      "sas_end_device", "sas_expander", "raid_devices", "block"};
 
-// Reads what there is. True when some of it tells of a plug, or when messages were lost.
-bool drain(int fd)
-{
-    bool plug = false;
-    for (;;) {
-        char buffer[8192];
-        sockaddr_nl sender{};
-        socklen_t length = sizeof sender;
-        const ssize_t got = recvfrom(fd, buffer, sizeof buffer, 0, reinterpret_cast<sockaddr*>(&sender), &length);
-        if (got < 0 && errno == EINTR) continue;
-        if (got < 0) return plug || errno == ENOBUFS;
-        if (sender.nl_pid == 0) // any process may send here; only the kernel is believed
-            plug = plug || tellsOfPlug({buffer, static_cast<std::size_t>(got)});
+std::string_view textOrNothing(const char* text) { return text ? text : std::string_view(); }
+
+template <class Handle, Handle* (*unref)(Handle*)>
+struct Unref {
+    void operator()(Handle* handle) const noexcept { unref(handle); }
+};
+using Udev = std::unique_ptr<udev, Unref<udev, udev_unref>>;
+using Monitor = std::unique_ptr<udev_monitor, Unref<udev_monitor, udev_monitor_unref>>;
+using Device = std::unique_ptr<udev_device, Unref<udev_device, udev_device_unref>>;
+
+// The library believes messages of the kernel only, though any process may send some here.
+class KernelEvents final : public EventQueue {
+public:
+    KernelEvents(Udev udev, Monitor monitor) : _udev(std::move(udev)), _monitor(std::move(monitor)) {}
+    ~KernelEvents() override;
+
+    int descriptor() const override { return udev_monitor_get_fd(_monitor.get()); }
+
+    bool takePlug() override
+    {
+        bool plug = false;
+        for (;;) {
+            errno = 0;
+            const Device device(udev_monitor_receive_device(_monitor.get()));
+            if (!device) return plug || errno == ENOBUFS; // lost ones may have told of any
+            plug = plug || tellsOfPlug(textOrNothing(udev_device_get_action(device.get())),
+                                       textOrNothing(udev_device_get_subsystem(device.get())),
+                                       textOrNothing(udev_device_get_sysname(device.get())));
+        }
     }
-}
+
+private:
+    Udev _udev;
+    Monitor _monitor;
+};
+
+KernelEvents::~KernelEvents() = default;
 
 } // namespace
 
-bool tellsOfPlug(std::string_view message)
+// "udev" in place of "kernel" would wait for the rules of a daemon that a small system or a container has not.
+std::unique_ptr<EventQueue> openKernelEvents()
 {
-    bool comesOrGoes = false;
-    bool changes = false;
-    std::string_view subsystem;
-    std::string_view name;
-    while (!message.empty()) {
-        const std::size_t end = std::min(message.find('\0'), message.size());
-        const std::string_view entry = message.substr(0, end);
-        message.remove_prefix(std::min(end + 1, message.size()));
-        if (entry == "ACTION=add" || entry == "ACTION=remove")
-            comesOrGoes = true;
-        else if (entry == "ACTION=change" || entry == "ACTION=offline" || entry == "ACTION=online")
-            changes = true;
-        else if (entry.substr(0, 10) == "SUBSYSTEM=")
-            subsystem = entry.substr(10);
-        else if (entry.substr(0, 8) == "DEVNAME=")
-            name = entry.substr(8);
+    Udev udev(udev_new());
+    Monitor monitor(udev ? udev_monitor_new_from_netlink(udev.get(), "kernel") : nullptr);
+    if (!monitor) return nullptr;
+    for (const char* subsystem : subsystems) {
+        if (udev_monitor_filter_add_match_subsystem_devtype(monitor.get(), subsystem, nullptr) < 0) return nullptr;
     }
-    const bool ofStorage = subsystem == "scsi" || subsystem == "scsi_disk" || subsystem == "scsi_host" ||
-                           subsystem == "enclosure" || subsystem == "sas_end_device" || subsystem == "block";
-    if (subsystem == "block" && name.substr(0, 2) != "sd" && name.substr(0, 2) != "md") return false;
-    return ofStorage && (comesOrGoes || (changes && (name.substr(0, 2) == "md" || subsystem == "scsi")));
+    udev_monitor_set_receive_buffer_size(monitor.get(), queueBytes);
+    if (udev_monitor_enable_receiving(monitor.get()) < 0) return nullptr;
+    return std::make_unique<KernelEvents>(std::move(udev), std::move(monitor));
 }
 
-PlugEvents::PlugEvents(std::function<void()> plugged) : _plugged(std::move(plugged))
+bool tellsOfPlug(std::string_view action, std::string_view subsystem, std::string_view name)
 {
+    const bool array = subsystem == "block" && name.substr(0, 2) == "md";
+    if (std::find(std::begin(subsystems), std::end(subsystems), subsystem) == std::end(subsystems)) return false;
+    if (subsystem == "block" && !array && name.substr(0, 2) != "sd") return false;
+    if (action == "add" || action == "remove") return true;
+    const bool changes = action == "change" || action == "offline" || action == "online";
+    return changes && (array || subsystem == "scsi");
+}
+
+PlugEvents::PlugEvents(std::function<void()> plugged, std::unique_ptr<EventQueue> queue)
+    : _plugged(std::move(plugged)), _queue(std::move(queue))
+{
+    if (!_queue) return;
     if (pipe2(_end, O_CLOEXEC) != 0) {
         _end[0] = _end[1] = -1;
         return;
     }
-    _socket = openSocket();
-    if (_socket < 0) return;
     sigset_t all;
     sigset_t before;
     sigfillset(&all);
     pthread_sigmask(SIG_SETMASK, &all, &before);
     try {
         _thread = std::thread([this] { listen(); });
-    } catch (const std::exception&) {
-        close(_socket);
-        _socket = -1;
+    } catch (const std::exception&) { // no thread to be had: the next poll sees what an event would have told
+        _queue.reset();
     }
     pthread_sigmask(SIG_SETMASK, &before, nullptr);
 }
@@ -98,17 +112,16 @@ PlugEvents::~PlugEvents()
     if (_end[1] >= 0) close(_end[1]); // the thread sees it and ends
     if (_thread.joinable()) _thread.join();
     if (_end[0] >= 0) close(_end[0]);
-    if (_socket >= 0) close(_socket);
 }
 
 void PlugEvents::listen()
 {
     int bursts = 0; // that came since the last call
     for (;;) {
-        pollfd waiting[2] = {{_socket, POLLIN, 0}, {_end[0], POLLIN, 0}};
+        pollfd waiting[2] = {{_queue->descriptor(), POLLIN, 0}, {_end[0], POLLIN, 0}};
         const int ready = poll(waiting, 2, bursts > 0 ? quietMilliseconds : -1);
         if (ready > 0 && waiting[1].revents != 0) return;
-        if (ready > 0 && drain(_socket)) ++bursts;
+        if (ready > 0 && _queue->takePlug()) ++bursts;
         if (bursts > 0 && (ready == 0 || bursts >= mostBursts)) {
             bursts = 0;
             _plugged();

@@ -4,10 +4,11 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstring>
 #include <fcntl.h>
-#include <scsi/sg.h>
-#include <sys/ioctl.h>
+#include <mutex>
+#include <new>
+#include <scsi/sg_lib.h>
+#include <scsi/sg_pt.h>
 #include <unistd.h>
 
 namespace KDV {
@@ -36,10 +37,65 @@ ReadyReply replyFor(int error)
     return reply;
 }
 
-std::uint8_t senseKeyOf(ByteView sense)
+// All fields, the response code too, are 0 where there is no sense data.
+sg_scsi_sense_hdr senseOf(ByteView sense)
 {
-    return (sense.u8(0) & 0x7F) >= 0x72 ? sense.u8(1) & 0x0F : sense.u8(2) & 0x0F;
+    const ByteView most = sense.part(0, senseBytes);
+    sg_scsi_sense_hdr header{};
+    sg_scsi_normalize_sense(reinterpret_cast<const std::uint8_t*>(most.chars().data()), static_cast<int>(most.size()),
+                            &header);
+    return header;
 }
+
+// The library's object for one command. The first one looks up device numbers for all, without a lock of its own.
+class Command {
+public:
+    Command(int fd, const std::uint8_t* bytes, std::size_t count)
+    {
+        static std::mutex lock;
+        const std::lock_guard<std::mutex> guard(lock);
+        _command = construct_scsi_pt_obj_with_fd(fd, quiet);
+        if (!_command) throw std::bad_alloc();
+        set_scsi_pt_cdb(_command, bytes, static_cast<int>(count));
+        set_scsi_pt_sense(_command, _sense, sizeof _sense);
+    }
+    ~Command() { destruct_scsi_pt_obj(_command); }
+    Command(const Command&) = delete;
+    Command& operator=(const Command&) = delete;
+
+    void readInto(std::string& data)
+    {
+        set_scsi_pt_data_in(_command, reinterpret_cast<std::uint8_t*>(data.data()), static_cast<int>(data.size()));
+    }
+
+    Reply run(int fd, std::chrono::seconds timeout, std::size_t wanted)
+    {
+        Reply reply;
+        const int outcome = do_scsi_pt(_command, fd, static_cast<int>(timeout.count()), quiet);
+        if (outcome != 0) {
+            reply.state = replyFor(outcome == SCSI_PT_DO_TIMEOUT ? ETIMEDOUT : -outcome);
+            return reply;
+        }
+        const int hostStatus = get_scsi_pt_transport_err(_command);
+        const int status = get_scsi_pt_status_response(_command);
+        const int category = get_scsi_pt_result_category(_command);
+        const int filled = std::clamp(get_scsi_pt_sense_len(_command), 0, static_cast<int>(sizeof _sense));
+        const ByteView sense(_sense, static_cast<std::size_t>(filled));
+        const bool driverFailed = category == SCSI_PT_RESULT_TRANSPORT_ERR && hostStatus == 0;
+        if (!driverFailed)
+            reply.state = judgeReply(static_cast<std::uint8_t>(status), static_cast<std::uint16_t>(hostStatus), sense);
+        const auto left = static_cast<std::size_t>(std::max(get_scsi_pt_resid(_command), 0));
+        reply.bytes = wanted - std::min(left, wanted);
+        reply.again = status == SAM_STAT_CHECK_CONDITION && senseOf(sense).sense_key == SPC_SK_UNIT_ATTENTION;
+        return reply;
+    }
+
+private:
+    static constexpr int quiet = 0; // it would write to the server's standard error
+
+    sg_pt_base* _command = nullptr;
+    std::uint8_t _sense[senseBytes] = {};
+};
 
 class SgDevice final : public DeviceLink {
 public:
@@ -52,7 +108,8 @@ public:
     ReadyReply testUnitReady() override
     {
         const std::uint8_t command[6] = {0x00};
-        return run(command, sizeof command, nullptr, 0).state;
+        std::string nothing;
+        return run(command, sizeof command, nothing).state;
     }
 
     std::string logPage(std::uint8_t code) override
@@ -82,46 +139,21 @@ private:
     std::string page(const std::uint8_t* command, std::size_t commandBytes, std::size_t most)
     {
         std::string bytes(most, '\0');
-        const Reply reply = run(command, commandBytes, bytes.data(), bytes.size());
+        const Reply reply = run(command, commandBytes, bytes);
         bytes.resize(reply.state.readiness == Readiness::Ready ? reply.bytes : 0);
         return bytes;
     }
 
-    Reply run(const std::uint8_t* command, std::size_t commandBytes, char* data, std::size_t dataBytes)
+    // The library counts whole seconds; the asking threads watch over the deadline itself.
+    Reply run(const std::uint8_t* bytes, std::size_t count, std::string& data)
     {
         Reply reply;
         for (int attempt = 0; attempt < attempts; ++attempt) {
-            reply = runOnce(command, commandBytes, data, dataBytes);
+            Command command(_fd, bytes, count);
+            if (!data.empty()) command.readInto(data);
+            reply = command.run(_fd, std::chrono::ceil<std::chrono::seconds>(timeLeft()), data.size());
             if (!reply.again) break;
         }
-        return reply;
-    }
-
-    Reply runOnce(const std::uint8_t* command, std::size_t commandBytes, char* data, std::size_t dataBytes)
-    {
-        std::uint8_t commandCopy[16] = {};
-        std::memcpy(commandCopy, command, commandBytes);
-        std::uint8_t sense[senseBytes] = {};
-        sg_io_hdr_t request{};
-        request.interface_id = 'S';
-        request.dxfer_direction = data ? SG_DXFER_FROM_DEV : SG_DXFER_NONE;
-        request.cmd_len = static_cast<unsigned char>(commandBytes);
-        request.mx_sb_len = sizeof sense;
-        request.dxfer_len = static_cast<unsigned>(dataBytes);
-        request.dxferp = data;
-        request.cmdp = commandCopy;
-        request.sbp = sense;
-        request.timeout = static_cast<unsigned>(timeLeft().count());
-        Reply reply;
-        if (ioctl(_fd, SG_IO, &request) != 0) {
-            reply.state = replyFor(errno);
-            return reply;
-        }
-        const ByteView senseData(sense, std::min<std::size_t>(request.sb_len_wr, sizeof sense));
-        reply.state = judgeReply(request.status, request.host_status, senseData);
-        const auto left = static_cast<std::size_t>(std::max(request.resid, 0));
-        reply.bytes = dataBytes - std::min(left, dataBytes);
-        reply.again = request.status == 0x02 && senseKeyOf(senseData) == 0x06;
         return reply;
     }
 
@@ -167,17 +199,17 @@ ReadyReply judgeReply(std::uint8_t scsiStatus, std::uint16_t hostStatus, ByteVie
     }
     if (hostStatus == timeOut) reply.timedOut = true;
     if (hostStatus != 0) return reply;
-    const bool descriptors = (sense.u8(0) & 0x7F) >= 0x72;
-    const std::uint8_t asc = sense.u8(descriptors ? 2 : 12);
-    const std::uint8_t ascq = sense.u8(descriptors ? 3 : 13);
-    const std::uint8_t key = senseKeyOf(sense);
-    reply.failurePredicted = asc == 0x5D && ascq != 0xFF;
-    if (scsiStatus == 0x00 || (scsiStatus == 0x02 && (key == 0x00 || key == 0x01)))
-        reply.readiness = Readiness::Ready; // good, or recovered
-    else if (scsiStatus == 0x02 && key == 0x02)
-        reply.readiness = asc == 0x04 && ascq == 0x02 ? Readiness::Asleep : Readiness::NotReady; // stopped on purpose
-    else if (scsiStatus == 0x02 && key == 0x04)
-        reply.readiness = Readiness::NotReady; // a hardware error at the simplest of all commands
+    const sg_scsi_sense_hdr said = senseOf(sense);
+    const bool checked = scsiStatus == SAM_STAT_CHECK_CONDITION && said.response_code != 0;
+    reply.failurePredicted = said.asc == 0x5D && said.ascq != 0xFF;
+    if (scsiStatus == SAM_STAT_GOOD)
+        reply.readiness = Readiness::Ready;
+    else if (checked && (said.sense_key == SPC_SK_NO_SENSE || said.sense_key == SPC_SK_RECOVERED_ERROR))
+        reply.readiness = Readiness::Ready;
+    else if (checked && said.sense_key == SPC_SK_NOT_READY) // 04h/02h: it was stopped on purpose
+        reply.readiness = said.asc == 0x04 && said.ascq == 0x02 ? Readiness::Asleep : Readiness::NotReady;
+    else if (checked && said.sense_key == SPC_SK_HARDWARE_ERROR)
+        reply.readiness = Readiness::NotReady; // at the simplest of all commands
     return reply;
 }
 

@@ -1,5 +1,5 @@
-// Asks devices through their nodes with the SG_IO request of Linux. The few commands that are needed are written here,
-// so that the library loads on machines without a library for them. Any thread; throws std::bad_alloc only.
+// Asks devices through their nodes with the SCSI pass-through library of the sg3 utilities, and reads their sense data
+// with it. Any thread; throws std::bad_alloc only.
 #pragma once
 
 #include "sashba/sysfs/DeviceLink.h"

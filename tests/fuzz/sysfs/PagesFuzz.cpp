@@ -1,7 +1,6 @@
 // Any bytes as a page of a device. The first byte says which parsers get the rest; enclosure pages come as several
 // pages one after the other, each with two bytes of length before it. What comes back is held against its limits.
 #include "sashba/sysfs/PathInfo.h"
-#include "sashba/sysfs/PlugEvents.h"
 #include "sashba/sysfs/ScsiPages.h"
 #include "sashba/sysfs/SesPages.h"
 #include "sashba/sysfs/SgDevice.h"
@@ -66,7 +65,6 @@ void enclosurePages(ByteView rest)
 void texts(ByteView bytes)
 {
     if (const auto info = parsePathInfo(bytes.chars())) require(info->bay.has_value() && info->port.size() <= 8);
-    tellsOfPlug(bytes.chars());
     const ReadyReply reply = judgeReply(bytes.u8(0), bytes.u8(1), bytes.from(2));
     require(!(reply.timedOut && reply.readiness == Readiness::Ready));
 }

@@ -1,10 +1,14 @@
-// What goes outside the process: a program that is run with a deadline, and the kernel's event socket.
+// What goes outside the process: a program that is run with a deadline, the kernel's events, and nodes of devices.
 #include "sashba/sysfs/PlugEvents.h"
 #include "sashba/sysfs/SgDevice.h"
 #include "sashba/sysfs/SmartctlRun.h"
 
 #include <atomic>
+#include <condition_variable>
 #include <memory>
+#include <mutex>
+#include <poll.h>
+#include <unistd.h>
 
 #include <gtest/gtest.h>
 
@@ -34,11 +38,101 @@ TEST(ProgramOutput, IsNothingOfAProgramThatIsNotThereOrDoesNotEnd)
     EXPECT_EQ(outputOf("/bin/sh", {"-c", "exec cat /dev/zero"}, seconds(60)), "") << "it writes without end";
 }
 
+// Events as a test writes them: 'p' tells of a plug, any other letter of something else. 'e' makes an event come again
+// and again, without end.
+class WrittenEvents final : public EventQueue {
+public:
+    WrittenEvents()
+    {
+        if (pipe(_ends) != 0) throw std::runtime_error("no pipe");
+    }
+    ~WrittenEvents() override
+    {
+        close(_ends[0]);
+        close(_ends[1]);
+    }
+    void write(const std::string& events) const
+    {
+        ASSERT_EQ(::write(_ends[1], events.data(), events.size()), static_cast<ssize_t>(events.size()));
+    }
+
+    int descriptor() const override { return _ends[0]; }
+    bool takePlug() override
+    {
+        bool plug = false;
+        pollfd more{_ends[0], POLLIN, 0};
+        while (poll(&more, 1, 0) > 0) {
+            char letter = 0;
+            if (read(_ends[0], &letter, 1) != 1) break;
+            plug = plug || letter == 'p' || letter == 'e';
+            if (letter != 'e') continue;
+            write("e");
+            break;
+        }
+        return plug;
+    }
+
+private:
+    int _ends[2] = {-1, -1};
+};
+
+// Counts calls, and waits for them.
+struct Calls {
+    std::mutex lock;
+    std::condition_variable changed;
+    int count = 0;
+
+    void add()
+    {
+        const std::lock_guard<std::mutex> guard(lock);
+        ++count;
+        changed.notify_all();
+    }
+    bool reach(int wanted)
+    {
+        std::unique_lock<std::mutex> guard(lock);
+        return changed.wait_for(guard, seconds(60), [&] { return count >= wanted; });
+    }
+};
+
+TEST(PlugEvents, CallBackOnceForABurst)
+{
+    Calls calls;
+    auto queue = std::make_unique<WrittenEvents>();
+    WrittenEvents& events = *queue;
+    events.write("xpxpppxxppp");
+    const PlugEvents plugs([&calls] { calls.add(); }, std::move(queue));
+    EXPECT_TRUE(plugs.listening());
+    EXPECT_TRUE(calls.reach(1));
+    events.write("xxxp");
+    EXPECT_TRUE(calls.reach(2));
+    const std::lock_guard<std::mutex> guard(calls.lock);
+    EXPECT_EQ(calls.count, 2) << "and not for every event";
+}
+
+TEST(PlugEvents, CallBackInAStormThatDoesNotEnd)
+{
+    Calls calls;
+    auto queue = std::make_unique<WrittenEvents>();
+    queue->write("e");
+    const PlugEvents plugs([&calls] { calls.add(); }, std::move(queue));
+    EXPECT_TRUE(calls.reach(3));
+}
+
+TEST(PlugEvents, HaveNothingToListenToWithoutAQueue)
+{
+    const PlugEvents plugs([] { FAIL() << "there is nothing to tell of"; }, nullptr);
+    EXPECT_FALSE(plugs.listening());
+}
+
 TEST(PlugEvents, EndAtOnceWhetherTheKernelLetsThemListenOrNot)
 {
     const auto calls = std::make_shared<std::atomic<int>>(0);
-    for (int turn = 0; turn < 20; ++turn)
+    for (int turn = 0; turn < 20; ++turn) {
+        const bool allowed = openKernelEvents() != nullptr;
         const PlugEvents events([calls] { ++*calls; });
+        EXPECT_EQ(events.listening(), allowed);
+    }
     EXPECT_EQ(calls.use_count(), 1) << "nobody is left who could call back";
 }
 

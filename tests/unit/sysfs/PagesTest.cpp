@@ -130,6 +130,7 @@ TEST(Replies, AreJudgedByHostStatusAndSense)
         std::string sense(18, '\0');
         sense[0] = 0x70;
         sense[2] = static_cast<char>(key);
+        sense[7] = 10; // bytes that follow
         sense[12] = static_cast<char>(asc);
         sense[13] = static_cast<char>(ascq);
         return sense;
@@ -232,22 +233,23 @@ TEST(PathInformation, IsThatOfTheActiveWay)
     EXPECT_FALSE(parsePathInfo("PORT: 1I BOX: 3 BAY: 99999999999999999999999999"));
 }
 
-TEST(PlugMessages, TellOfDisksAndArraysOnly)
+TEST(PlugMessages, TellOfDisksEnclosuresAndArraysOnly)
 {
-    const auto message = [](const std::string& action, const std::string& subsystem, const std::string& name) {
-        return std::string("x@/devices/y") + '\0' + "ACTION=" + action + '\0' + "SUBSYSTEM=" + subsystem + '\0' +
-               "DEVNAME=" + name + '\0';
-    };
-    EXPECT_TRUE(tellsOfPlug(message("add", "block", "sdb")));
-    EXPECT_TRUE(tellsOfPlug(message("remove", "scsi", "")));
-    EXPECT_TRUE(tellsOfPlug(message("remove", "sas_end_device", "")));
-    EXPECT_TRUE(tellsOfPlug(message("change", "block", "md0")));
-    EXPECT_FALSE(tellsOfPlug(message("change", "block", "sdb")));
-    EXPECT_FALSE(tellsOfPlug(message("add", "block", "loop0")));
-    EXPECT_FALSE(tellsOfPlug(message("add", "net", "eth0")));
-    EXPECT_FALSE(tellsOfPlug(""));
-    EXPECT_FALSE(tellsOfPlug(std::string(64, '\0')));
-    EXPECT_FALSE(tellsOfPlug("ACTION=add"));
+    EXPECT_TRUE(tellsOfPlug("add", "block", "sdb"));
+    EXPECT_TRUE(tellsOfPlug("remove", "scsi", "0:0:3:0"));
+    EXPECT_TRUE(tellsOfPlug("change", "scsi", "0:0:3:0"));
+    EXPECT_TRUE(tellsOfPlug("remove", "sas_end_device", "end_device-0:1"));
+    EXPECT_TRUE(tellsOfPlug("add", "sas_expander", "expander-0:0"));
+    EXPECT_TRUE(tellsOfPlug("add", "raid_devices", "0:1:0:0"));
+    EXPECT_TRUE(tellsOfPlug("add", "enclosure", "0:0:24:0"));
+    EXPECT_TRUE(tellsOfPlug("change", "block", "md0"));
+    EXPECT_FALSE(tellsOfPlug("change", "block", "sdb"));
+    EXPECT_FALSE(tellsOfPlug("add", "block", "loop0"));
+    EXPECT_FALSE(tellsOfPlug("bind", "scsi", "0:0:3:0"));
+    EXPECT_FALSE(tellsOfPlug("change", "scsi_host", "md0"));
+    EXPECT_FALSE(tellsOfPlug("add", "net", "eth0"));
+    EXPECT_FALSE(tellsOfPlug("add", "", ""));
+    EXPECT_FALSE(tellsOfPlug("", "", ""));
 }
 
 } // namespace
