@@ -7,17 +7,27 @@
 #include <initializer_list>
 #include <string_view>
 #include <tuple>
+#include <utility>
 
 namespace KDV {
 namespace {
 
-// As they stand in proc_name. A host of another driver counts when it has the SAS transport.
-constexpr std::string_view sasDrivers[] = {"mpt3sas", "mpt2sas", "mptsas", "smartpqi", "hpsa",   "megaraid_sas",
-                                           "aic94xx", "isci",    "mvsas",  "pm80xx",   "pm8001", "hisi_sas"};
+// A host of another driver counts when it has the SAS transport.
+constexpr std::string_view sasDrivers[] = {"mpt3sas", "mpt2sas", "mptsas", "smartpqi", "hpsa",  "megaraid_sas",
+                                           "aic94xx", "isci",    "mvsas",  "pm80xx",   "pm8001"};
 
 bool isSasDriver(const std::string& name)
 {
-    return std::find(std::begin(sasDrivers), std::end(sasDrivers), name) != std::end(sasDrivers);
+    return name.compare(0, 8, "hisi_sas") == 0 || // followed by the generation
+           std::find(std::begin(sasDrivers), std::end(sasDrivers), name) != std::end(sasDrivers);
+}
+
+// proc_name, or where a driver has not set it and the kernel prints "(null)", the driver of the device.
+std::string driverOf(const SysfsTree& tree, const std::string& attributes, const std::string& host)
+{
+    std::string name = tree.text(attributes + "proc_name");
+    if (!name.empty() && name.front() != '(' && name.front() != '<') return name;
+    return lastOf(tree.target(parentOf(host) + "/driver"));
 }
 
 std::string firstText(const SysfsTree& tree, const std::string& folder, std::initializer_list<const char*> names)
@@ -62,22 +72,25 @@ std::uint64_t addressOf(const SysfsTree& tree, const LiveHba& hba, const std::st
     return lowest;
 }
 
-std::optional<LiveHba> readHba(const SysfsTree& tree, const std::string& name)
+std::optional<LiveHba> readHba(const SysfsTree& tree, const std::string& list, const std::string& name)
 {
-    const std::string found = tree.target("class/scsi_host/" + name);
     const std::optional<std::uint32_t> host = parseHostName(name);
-    if (found.empty() || !host) return std::nullopt;
-    const std::string attributes = found + "/";
+    const std::string found = host ? tree.target(list + "/" + name) : std::string();
+    if (found.empty()) return std::nullopt;
+    const DevicePath split = splitDevicePath(found);
+    if (split.host.empty() || lastOf(split.host) != name) return std::nullopt;
+    const std::string attributes = split.host + "/scsi_host/" + name + "/";
     LiveHba hba;
     hba.host = *host;
-    const DevicePath split = splitDevicePath(found);
     hba.path = split.host;
-    hba.driver = tree.text(attributes + "proc_name");
-    if (!isSasDriver(hba.driver) && tree.target("class/sas_host/" + name).empty()) return std::nullopt;
+    hba.driver = driverOf(tree, attributes, split.host);
+    if (!isSasDriver(hba.driver) && tree.target("class/sas_host/" + name).empty() &&
+        tree.identity(split.host + "/sas_host") == 0)
+        return std::nullopt;
     hba.pciAddress = lastOf(split.pciFunction);
     hba.model = firstText(tree, attributes, {"board_name", "model"});
     hba.serial = firstText(tree, attributes, {"board_tracer", "serial_number", "pcba_sn"});
-    hba.firmware = firstText(tree, attributes, {"version_fw", "firmware_version", "fw_version"});
+    hba.firmware = firstText(tree, attributes, {"version_fw", "firmware_version", "fw_version", "firmware_revision"});
     hba.state = tree.text(attributes + "state");
     hba.slot = slotOf(tree, split.pciFunctions);
     hba.sasAddress = addressOf(tree, hba, attributes);
@@ -89,8 +102,12 @@ std::optional<LiveHba> readHba(const SysfsTree& tree, const std::string& name)
 std::vector<LiveHba> readHbas(const SysfsTree& tree)
 {
     std::vector<LiveHba> hbas;
-    for (const std::string& name : tree.names("class/scsi_host")) {
-        if (std::optional<LiveHba> hba = readHba(tree, name)) hbas.push_back(std::move(*hba));
+    for (const char* list : {"class/scsi_host", "class/sas_host", "bus/scsi/devices"}) {
+        const std::vector<std::string> names = tree.names(list); // a captured tree may lack some of them
+        for (const std::string& name : names) {
+            if (std::optional<LiveHba> hba = readHba(tree, list, name)) hbas.push_back(std::move(*hba));
+        }
+        if (!names.empty()) break;
     }
     std::sort(hbas.begin(), hbas.end(), [](const LiveHba& left, const LiveHba& right) {
         return std::tie(left.pciAddress, left.host) < std::tie(right.pciAddress, right.host);

@@ -10,13 +10,24 @@
 namespace KDV {
 namespace {
 
+// What tells it from every other adapter, also after it was moved or the machine started again where that can be had.
+std::string hbaIdentity(const LiveHba& hba)
+{
+    if (!hba.serial.empty()) return hba.serial;
+    if (hba.sasAddress != 0) return hex16(hba.sasAddress);
+    if (!hba.pciAddress.empty()) return hba.pciAddress;
+    const std::string device = parentOf(hba.path); // "devices/platform/HISI0162:01"
+    return lastOf(parentOf(device)) == "platform" ? lastOf(device) : "host" + std::to_string(hba.host);
+}
+
 std::string hbaName(const LiveHba& hba)
 {
+    constexpr std::size_t mostIdentity = 48;
+    const std::string identity = hbaIdentity(hba).substr(0, mostIdentity);
     std::string name = hba.model.empty() ? hba.driver : hba.model;
     if (name.empty()) name = "SAS HBA";
-    if (!hba.serial.empty()) return name + " " + hba.serial;
-    if (hba.sasAddress != 0) return name + " " + hex16(hba.sasAddress);
-    return name + " " + (hba.pciAddress.empty() ? "host" + std::to_string(hba.host) : hba.pciAddress);
+    name.resize(std::min(name.size(), sizeof(SasHbaRecord::name) - 2 - identity.size())); // it must not push that out
+    return name + " " + identity;
 }
 
 // The host's state is all that the kernel tells of an adapter's health. Recovery passes; a host that goes has failed.
@@ -28,7 +39,7 @@ void putHbaStatus(const LiveHba& hba, SasHbaRecord& image)
     } else if (hba.state == "recovery") {
         image.arraySystemStatus = 3;
     } else if (hba.state == "cancel" || hba.state == "del" || hba.state == "cancel/recovery" ||
-               hba.state == "del/recovery" || hba.state == "deleted/recovery") {
+               hba.state == "del/recovery" || hba.state == "deleted/recovery" || hba.state == "offline") {
         image.controllerStatus = 3;
         image.arraySystemStatus = 4;
     }

@@ -217,12 +217,101 @@ TEST(LiveAdapters, LibsasDriverWithBaysByWiringOnly)
     EXPECT_EQ(textOf(records.drives()[0]->name), "5000A72001240001") << "its SAS address where it has no other name";
 }
 
+TEST(LiveAdapters, HaveNameAndFirmwareFromWhatTheirDriverOffers)
+{
+    using Attributes = std::vector<std::pair<std::string, std::string>>;
+    struct {
+        const char* driver;
+        Attributes attributes;
+        const char *name, *firmware;
+    } const cases[] = {
+        {"pm80xx",
+         {{"fw_version", "02.14.00.00"}, {"host_sas_address", "0x500e004aaaaaaa00"}},
+         "pm80xx 500E004AAAAAAA00",
+         "02.14.00.00"},
+        {"aic94xx", {{"aic_revision", "8"}, {"pcba_sn", "0A01234567890"}}, "aic94xx 0A01234567890", ""},
+        {"mvsas", {{"driver_version", "0.8.16"}}, "mvsas 0000:01:00.0", ""},
+        {"mpt2sas",
+         {{"board_name", "ZX 9207  "}, {"board_tracer", "   "}, {"host_sas_address", "0x500605b0000000f0"}},
+         "ZX 9207 500605B0000000F0",
+         ""},
+        {"hpsa", {{"firmware_revision", "8.32"}}, "hpsa 0000:01:00.0", "8.32"},
+        {"megaraid_sas", {{"unique_id", "256"}}, "megaraid_sas 0000:01:00.0", ""},
+    };
+    for (const auto& one : cases) {
+        FakeSysfs sysfs;
+        FakeHba hba;
+        hba.driver = one.driver;
+        hba.transport = false;
+        hba.attributes = one.attributes;
+        sysfs.addHba(hba);
+        LiveRecords records(sysfs);
+        ASSERT_EQ(records.hbas().size(), 1U) << one.driver;
+        EXPECT_EQ(textOf(records.hba().name), one.name);
+        EXPECT_EQ(textOf(records.hba().firmwareVersion), one.firmware) << one.driver;
+    }
+}
+
+TEST(LiveAdapters, HaveTheNameOfTheirDeviceWhereTheDriverHasNotSetItsOwn)
+{
+    for (const char* unset : {"(null)", "<NULL>", ""}) {
+        FakeSysfs sysfs;
+        FakeHba hba;
+        hba.driver = unset;
+        const std::string host = sysfs.addHba(hba);
+        sysfs.link("devices/" + hba.pci + "/driver", "bus/pci/drivers/mvsas");
+        sysfs.remove("class/sas_host");
+        sysfs.remove(host + "/sas_host");
+        LiveRecords records(sysfs);
+        ASSERT_EQ(records.hbas().size(), 1U) << unset;
+        EXPECT_EQ(textOf(records.hba().name), "mvsas 0000:01:00.0") << unset;
+    }
+}
+
+TEST(LiveAdapters, ThatAreNoPciFunctionHaveTheNameOfTheirPlatformDevice)
+{
+    FakeSysfs sysfs;
+    sysfs.addHba({3, "platform/HISI0162:01", "hisi_sas_v2_hw", "running", true, {}});
+    LiveRecords records(sysfs);
+    ASSERT_EQ(records.hbas().size(), 1U);
+    EXPECT_EQ(fieldsOf(records.hba()), "hbaNumber = 3\nslotNumber = 255\nmodelCode = 2\narraySystemStatus = 2\n"
+                                       "controllerStatus = 2\nname = hisi_sas_v2_hw HISI0162:01\n");
+}
+
+TEST(LiveAdapters, AreFoundInATreeWithoutTheClassOfScsiHosts)
+{
+    FakeSysfs sysfs;
+    FakeHba hba;
+    hba.attributes = {{"board_name", "ZX"}, {"board_tracer", "SP1"}, {"version_fw", "16"}};
+    const std::string host = sysfs.addHba(hba);
+    sysfs.remove("class/scsi_host");
+    EXPECT_EQ(textOf(LiveRecords(sysfs).hba().name), "ZX SP1");
+    sysfs.remove("class/sas_host");
+    sysfs.link("bus/scsi/devices/host0", host);
+    sysfs.link("bus/scsi/devices/0:0:0:0", host + "/target0:0:0/0:0:0:0");
+    LiveRecords records(sysfs);
+    ASSERT_EQ(records.hbas().size(), 1U);
+    EXPECT_EQ(textOf(records.hba().name), "ZX SP1");
+    EXPECT_EQ(textOf(records.hba().firmwareVersion), "16");
+    EXPECT_EQ(records.hba().controllerStatus, 2);
+}
+
+TEST(LiveAdapters, KeepWhatTellsThemApartWhenTheirModelIsLong)
+{
+    FakeSysfs sysfs;
+    FakeHba hba;
+    hba.attributes = {{"board_name", std::string(200, 'M')}, {"board_tracer", "SP91542000"}};
+    sysfs.addHba(hba);
+    EXPECT_EQ(textOf(LiveRecords(sysfs).hba().name), std::string(75, 'M') + " SP91542000");
+}
+
 TEST(LiveAdapters, HostStatesBecomeStatuses)
 {
     struct {
         const char* state;
         int controller, arraySystem;
-    } const cases[] = {{"running", 2, 2}, {"recovery", 0, 3}, {"del", 3, 4}, {"unheard of", 0, 0}, {"", 0, 0}};
+    } const cases[] = {{"running", 2, 2}, {"recovery", 0, 3},   {"del", 3, 4},
+                       {"offline", 3, 4}, {"unheard of", 0, 0}, {"", 0, 0}};
     for (const auto& one : cases) {
         FakeSysfs sysfs;
         FakeHba hba;
