@@ -102,6 +102,7 @@ void putIdentity(const DrivePlan& drive, const DriveFacts& facts, SasPhysicalDri
     }
     std::string inquiry = device.vendor;
     inquiry.resize(std::max<std::size_t>(inquiry.size(), 8), ' ');
+    if (inquiry.back() != ' ') inquiry += ' '; // readers split at the blank, also where the vendor fills its field
     putText(image.inquiry, inquiry + device.model);
     putText(image.firmwareRevision, firmware);
     putText(image.serialNumber, serial);

@@ -186,6 +186,15 @@ TEST_F(LiveDrives, HavePrintableTextsAndNoCutDeviceName)
     EXPECT_EQ(textOf(drive.name), "5000A72001240001");
 }
 
+TEST_F(LiveDrives, WhoseVendorFillsItsFieldKeepABlankBeforeTheModel)
+{
+    FakeDisk disk = diskAt(0);
+    disk.vendor = "ACMEDISK";
+    attach(0, disk, 0);
+    LiveRecords records(sysfs);
+    EXPECT_EQ(textOf(records.drives().at(0)->inquiry), "ACMEDISK SPINDLE 600") << "it is split at the blank";
+}
+
 TEST_F(LiveDrives, AreUnknownNotOkWhenNobodyAskedThem)
 {
     attach(0, diskAt(0), 0);
