@@ -1,4 +1,5 @@
 // kdv-sas: SAS storage over CIM-XML from the command line.
+#include "kdv-sas/CaptureCommand.h"
 #include "kdv-sas/Credentials.h"
 #include "kdv-sas/Health.h"
 #include "kdv-sas/Json.h"
@@ -33,6 +34,7 @@ struct Options {
     std::string className;
     std::string path;
     std::string file;
+    CaptureOptions capture;
     std::string listen = "127.0.0.1";
     std::uint16_t listenPort = 0;
     unsigned count = 0;
@@ -188,6 +190,10 @@ try {
     CLI::App* refreshApp = app.add_subcommand("refresh", "make the provider look at the hardware now");
     CLI::App* scenarioApp = app.add_subcommand("scenario", "write this machine's SAS adapters as a scenario file");
     scenarioApp->add_option("file", options.file, "file to write; standard output without it");
+    CLI::App* captureApp = app.add_subcommand("capture", "capture this machine's SAS adapters for a bug report");
+    captureApp->add_option("file", options.capture.file, "archive to write, such as machine.tar.gz")->required();
+    captureApp->add_flag("--with-serial-numbers", options.capture.withSerialNumbers,
+                         "leave serial numbers, addresses and host names as they are");
     CLI::App* const watchApp = app.add_subcommand("watch", "subscribe and print alerts as they come");
     watchApp->add_option("--listen", options.listen, "address to receive alerts on")->capture_default_str();
     watchApp->add_option("--listen-port", options.listenPort, "port to receive alerts on; 0 takes a free one");
@@ -201,6 +207,7 @@ try {
     if (*treeApp) return run(tree, options);
     if (*listApp) return run(list, options);
     if (*showApp) return run(show, options);
+    if (*captureApp) return runCapture(options.capture);
     if (*scenarioApp) return scenario(options);
     if (*refreshApp) return run(refresh, options);
     return run(watch, options); // the last one: a command was required

@@ -15,7 +15,8 @@ public:
     ReadyReply testUnitReady() override
     {
         ReadyReply reply;
-        const std::string word(trimmed(read("ready")));
+        const std::string said = read("ready");
+        const std::string word(trimmed(said.substr(0, said.find('\n'))));
         reply.readiness = word == "ready"        ? Readiness::Ready
                           : word == "asleep"     ? Readiness::Asleep
                           : word == "not ready"  ? Readiness::NotReady
@@ -23,6 +24,7 @@ public:
                                                  : Readiness::Unknown;
         reply.denied = word == "denied";
         reply.timedOut = word == "hung";
+        reply.failurePredicted = said.find("\nfailure predicted") != std::string::npos;
         return reply;
     }
     std::string logPage(std::uint8_t code) override { return read("log_" + twoDigits(code)); }

@@ -1,0 +1,181 @@
+#include "capture/Substitutes.h"
+
+#include "capture/ByteReplacer.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cerrno>
+#include <sys/random.h>
+#include <system_error>
+#include <vector>
+
+namespace KdvSas {
+namespace {
+
+constexpr std::uint64_t close = 256; // names of one thing are not farther apart
+constexpr unsigned keptLowBits = 4;  // which of the ports of a thing
+constexpr int attempts = 1000;
+
+// How many bits at the front tell the kind and the maker.
+unsigned keptHighBits(std::uint64_t address)
+{
+    switch (address >> 60) {
+    case 5:
+    case 6:
+        return 28;
+    case 0: // EUI-64
+        return 24;
+    default:
+        return 4;
+    }
+}
+
+std::uint64_t makerOf(std::uint64_t address) { return address >> (64 - keptHighBits(address)); }
+
+struct Group { // names that are close to each other
+    std::uint64_t first = 0;
+    std::uint64_t last = 0;
+    std::vector<std::uint64_t> members;
+};
+
+// Draws places for the groups of one maker in their order. Units are of the kept low bits; the groups' own lengths are
+// taken out before the draw and put back after it, so that they cannot overlap.
+void placeGroups(const std::vector<Group>& groups, const Random& random, std::map<std::uint64_t, std::uint64_t>& to)
+{
+    constexpr std::uint64_t unit = std::uint64_t{1} << keptLowBits;
+    const unsigned freeBits = 64 - keptHighBits(groups.front().first);
+    const std::uint64_t start = makerOf(groups.front().first) << freeBits;
+    std::uint64_t needed = 0;
+    std::vector<std::uint64_t> lengths;
+    for (const Group& group : groups) {
+        lengths.push_back((group.last - (group.first & ~(unit - 1)) + close) / unit + 1);
+        needed += lengths.back();
+    }
+    const std::uint64_t units = (freeBits == 64 ? 0 : std::uint64_t{1} << freeBits) / unit;
+    const std::uint64_t room = units > needed ? units - needed : 1;
+    std::vector<std::uint64_t> places;
+    for (std::size_t i = 0; i < groups.size(); ++i)
+        places.push_back(random() % room);
+    std::sort(places.begin(), places.end());
+    std::uint64_t before = 0;
+    for (std::size_t i = 0; i < groups.size(); ++i) {
+        const std::uint64_t first = start + (places[i] + before) * unit;
+        for (const std::uint64_t member : groups[i].members)
+            to[member] = first + (member - (groups[i].first & ~(unit - 1)));
+        before += lengths[i];
+    }
+}
+
+std::map<std::uint64_t, std::uint64_t> drawAddresses(const std::set<std::uint64_t>& addresses, const Random& random)
+{
+    std::map<std::uint64_t, std::uint64_t> drawn;
+    std::vector<Group> groups; // of one maker
+    for (const std::uint64_t address : addresses) {
+        if (!groups.empty() && (makerOf(groups.front().first) != makerOf(address) ||
+                                keptHighBits(groups.front().first) != keptHighBits(address))) {
+            placeGroups(groups, random, drawn);
+            groups.clear();
+        }
+        if (groups.empty() || address - groups.back().last >= close)
+            groups.push_back({address, address, {address}});
+        else
+            groups.back().members.push_back(groups.back().last = address);
+    }
+    if (!groups.empty()) placeGroups(groups, random, drawn);
+    return drawn;
+}
+
+bool isHexDigits(const std::string& text)
+{
+    return std::all_of(text.begin(), text.end(),
+                       [](unsigned char letter) { return std::isalnum(letter) == 0 || std::isxdigit(letter) != 0; });
+}
+
+char drawLetter(char like, bool hex, const Random& random)
+{
+    const auto letter = static_cast<unsigned char>(like);
+    const auto from = [&random](char first, unsigned count) {
+        return static_cast<char>(first + static_cast<char>(random() % count));
+    };
+    if (std::isdigit(letter)) return from('0', 10);
+    if (std::isupper(letter)) return from('A', hex ? 6 : 26);
+    if (std::islower(letter)) return from('a', hex ? 6 : 26);
+    return like;
+}
+
+// What the names already drawn make of the text stays; the rest is drawn.
+std::string drawText(const std::string& text, const std::string& known, const std::vector<bool>& kept,
+                     const Random& random)
+{
+    const bool hex = isHexDigits(text);
+    std::string drawn = known;
+    for (std::size_t at = 0; at < text.size(); ++at) {
+        if (!kept[at]) drawn[at] = drawLetter(text[at], hex, random);
+    }
+    return drawn;
+}
+
+void drawTexts(const Secrets& secrets, const Random& random, Substitutes& to)
+{
+    std::vector<std::string> shortFirst(secrets.texts.begin(), secrets.texts.end());
+    std::stable_sort(shortFirst.begin(), shortFirst.end(),
+                     [](const std::string& left, const std::string& right) { return left.size() < right.size(); });
+    std::set<std::string> taken(secrets.texts);
+    ByteReplacer known(to);
+    for (const std::string& text : shortFirst) {
+        std::vector<bool> kept;
+        const std::string inner = known.replaced(text, &kept);
+        std::string drawn = inner;
+        for (int attempt = 0; attempt < attempts; ++attempt) {
+            drawn = drawText(text, inner, kept, random);
+            if (taken.count(drawn) == 0) break;
+        }
+        taken.insert(drawn);
+        to.texts.emplace(text, drawn);
+        known.addText(text, drawn);
+    }
+}
+
+std::string bytesOf(std::uint64_t value)
+{
+    std::string bytes(8, '\0');
+    for (std::size_t at = bytes.size(); at > 0; value >>= 8)
+        bytes[--at] = static_cast<char>(value & 0xFF);
+    return bytes;
+}
+
+std::uint64_t frontOf(const std::string& name)
+{
+    std::uint64_t value = 0;
+    for (std::size_t at = 0; at < 8; ++at)
+        value = value << 8 | static_cast<unsigned char>(name[at]);
+    return value;
+}
+
+} // namespace
+
+Random systemRandom()
+{
+    return [] {
+        std::uint64_t value = 0;
+        while (getrandom(&value, sizeof value, 0) != static_cast<ssize_t>(sizeof value)) {
+            if (errno != EINTR) throw std::system_error(errno, std::generic_category(), "no random numbers");
+        }
+        return value;
+    };
+}
+
+Substitutes drawSubstitutes(const Secrets& secrets, const Random& random)
+{
+    Substitutes drawn;
+    std::set<std::uint64_t> addresses = secrets.addresses;
+    for (const std::string& name : secrets.longNames)
+        addresses.insert(frontOf(name)); // volumes of one adapter differ behind it
+    drawn.addresses = drawAddresses(addresses, random);
+    for (const std::string& name : secrets.longNames)
+        drawn.longNames[name] = bytesOf(drawn.addresses.at(frontOf(name))) + bytesOf(random());
+    drawTexts(secrets, random, drawn);
+    return drawn;
+}
+
+} // namespace KdvSas
