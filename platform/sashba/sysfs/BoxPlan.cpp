@@ -31,9 +31,20 @@ const DeviceAnswer* answerOf(const ScsiDevice& device, const DeviceAnswers& answ
     return found == answers.end() ? nullptr : found->second.get();
 }
 
+void addId(BoxPlan& box, std::uint64_t id)
+{
+    if (id != 0 && std::find(box.ids.begin(), box.ids.end(), id) == box.ids.end()) box.ids.push_back(id);
+}
+
+std::optional<std::uint8_t> wishOf(const ScsiDevice& device)
+{
+    const std::uint64_t number = device.pathInfo ? device.pathInfo->box.value_or(0) : 0;
+    return number >= 1 && number <= 254 ? std::optional<std::uint8_t>(static_cast<std::uint8_t>(number)) : std::nullopt;
+}
+
 // A processor that sits behind an expander speaks for the enclosure of that expander.
-void addProcessor(const LiveMachine& machine, const ScsiDevice& device, const DeviceAnswers& answers,
-                  const SysfsTree& tree, std::vector<BoxPlan>& boxes)
+void addProcessor(const LiveMachine& machine, const ScsiDevice& device, const DeviceAnswers& answers, PortNames& ports,
+                  std::vector<BoxPlan>& boxes)
 {
     const auto entry = std::find_if(machine.enclosures.begin(), machine.enclosures.end(),
                                     [&device](const LiveEnclosure& e) { return e.device == device.path; });
@@ -44,62 +55,110 @@ void addProcessor(const LiveMachine& machine, const ScsiDevice& device, const De
     const std::string identity = diskIdentity(device);
     BoxPlan& box = boxNamed(boxes, id != 0 ? "enclosure " + hex16(id)
                                            : "processor " + (identity.empty() ? device.path : identity));
-    box.id = id;
+    addId(box, id);
     fillIfEmpty(box.vendor, device.vendor);
     fillIfEmpty(box.model, device.model);
     fillIfEmpty(box.revision, device.revision);
     fillIfEmpty(box.serial, device.serial);
-    fillIfEmpty(box.port, device.pathInfo && !device.pathInfo->port.empty() ? device.pathInfo->port
-                                                                            : portName(device.hbaPort, tree));
-    if (!box.wish && device.pathInfo && device.pathInfo->box && *device.pathInfo->box <= 254)
-        box.wish = static_cast<std::uint8_t>(*device.pathInfo->box);
+    fillIfEmpty(box.port, ports.of(device));
+    if (!box.wish) box.wish = wishOf(device);
     if (!device.expander.empty()) box.expanders.push_back(device.expander);
     if (entry != machine.enclosures.end()) {
         box.enclosures.push_back(entry->path);
-        if (!box.bays) box.bays = entry->components;
+        if (box.bays.value_or(0) == 0) box.bays = entry->components;
     }
-    if (!answer) return;
-    box.hung = box.hung || answer->hung;
-    for (const auto& [directory, slot] : answer->slots)
-        box.slotStates.push_back(&slot);
-    if (state && !box.state) {
-        box.state = state;
-        if (!box.bays) box.bays = state->bays;
-    }
+    if (!state) return;
+    addId(box, state->logicalId);
+    box.states.push_back(state);
+    fillIfEmpty(box.vendor, state->vendor);
+    fillIfEmpty(box.model, state->product);
+    fillIfEmpty(box.revision, state->revision);
+    if (box.bays.value_or(0) == 0) box.bays = state->bays;
 }
 
-bool hasExpander(const std::vector<BoxPlan>& boxes, const std::string& expander)
+template <class List, class Value>
+bool holds(const List& list, const Value& value)
 {
-    return std::any_of(boxes.begin(), boxes.end(), [&expander](const BoxPlan& box) {
-        return std::find(box.expanders.begin(), box.expanders.end(), expander) != box.expanders.end();
-    });
+    return std::find(list.begin(), list.end(), value) != list.end();
 }
 
-void addExpanders(const LiveMachine& machine, const LiveHba& hba, const SysfsTree& tree, std::vector<BoxPlan>& boxes)
+// As many as there are when none does.
+template <class Matches>
+std::size_t firstBox(const std::vector<BoxPlan>& boxes, Matches matches)
+{
+    return static_cast<std::size_t>(std::find_if(boxes.begin(), boxes.end(), matches) - boxes.begin());
+}
+
+std::size_t boxWithExpander(const std::vector<BoxPlan>& boxes, const std::string& expander)
+{
+    return firstBox(boxes, [&expander](const BoxPlan& box) { return holds(box.expanders, expander); });
+}
+
+// The box that says itself that the disk is in it, or of which the disk's adapter says so.
+std::size_t boxByEnclosure(const ScsiDevice& disk, const std::vector<BoxPlan>& boxes)
+{
+    std::size_t box = boxes.size();
+    if (!disk.slotDirectory.empty()) {
+        const std::string enclosure = parentOf(disk.slotDirectory);
+        box = firstBox(boxes, [&enclosure](const BoxPlan& plan) { return holds(plan.enclosures, enclosure); });
+    }
+    if (box == boxes.size() && disk.enclosureIdentifier != 0)
+        box = firstBox(boxes, [&disk](const BoxPlan& plan) { return holds(plan.ids, disk.enclosureIdentifier); });
+    if (box == boxes.size() && disk.sasAddress != 0)
+        box = firstBox(boxes, [&disk](const BoxPlan& plan) { return slotHealthOf(disk, plan) != nullptr; });
+    return box;
+}
+
+// The number of the bay, from who knows it best: the enclosure class, the adapter, the box, the driver; at last the
+// wiring. A bay that the adapter gives without an enclosure is always 0 and means nothing.
+std::optional<std::uint64_t> bayOf(const ScsiDevice& disk, const BoxPlan& box)
+{
+    const auto plausible = [](const std::optional<std::uint64_t>& bay) { return bay && *bay < baysOfABox; };
+    if (plausible(disk.slot)) return disk.slot;
+    if (disk.enclosureIdentifier != 0 && plausible(disk.bay)) return disk.bay;
+    const SlotHealth* slot = slotHealthOf(disk, box);
+    if (slot) return slot->slot ? std::uint64_t{*slot->slot} : std::uint64_t{slot->order};
+    if (disk.pathInfo && plausible(disk.pathInfo->bay)) return disk.pathInfo->bay;
+    if (!disk.expander.empty() && plausible(disk.phy)) return disk.phy;
+    return std::nullopt;
+}
+
+// Large boxes have expanders inside that no processor sits behind; the box of their disks is theirs.
+void adoptExpanders(const LiveMachine& machine, const LiveHba& hba, std::vector<BoxPlan>& boxes)
+{
+    for (const ScsiDevice& disk : machine.devices) {
+        if (disk.address.host != hba.host || !disk.isDisk() || disk.expander.empty()) continue;
+        if (boxWithExpander(boxes, disk.expander) != boxes.size()) continue;
+        const std::size_t box = boxByEnclosure(disk, boxes);
+        if (box < boxes.size()) boxes[box].expanders.push_back(disk.expander);
+    }
+}
+
+void addExpanders(const LiveMachine& machine, const LiveHba& hba, PortNames& ports, std::vector<BoxPlan>& boxes)
 {
     for (const LiveExpander& expander : machine.expanders) {
-        if (expander.host != hba.host || hasExpander(boxes, expander.path)) continue;
+        if (expander.host != hba.host || boxWithExpander(boxes, expander.path) != boxes.size()) continue;
         const std::string key = expander.sasAddress != 0 ? hex16(expander.sasAddress) : expander.path;
         BoxPlan& box = boxNamed(boxes, "expander " + key);
-        box.id = expander.sasAddress;
+        addId(box, expander.sasAddress);
         fillIfEmpty(box.vendor, expander.vendor);
         fillIfEmpty(box.model, expander.model);
         fillIfEmpty(box.revision, expander.revision);
-        fillIfEmpty(box.port, portName(expander.hbaPort, tree));
+        fillIfEmpty(box.port, ports.ofPort(expander.hbaPort));
         box.expanders.push_back(expander.path);
     }
 }
 
 // Boxes that only the path information of their disks names.
-void addNamedBoxes(const LiveMachine& machine, const LiveHba& hba, std::vector<BoxPlan>& boxes)
+void addNamedBoxes(const LiveMachine& machine, const LiveHba& hba, PortNames& ports, std::vector<BoxPlan>& boxes)
 {
     for (const ScsiDevice& device : machine.devices) {
-        if (device.address.host != hba.host || !device.isDisk() || !device.pathInfo || !device.pathInfo->box) continue;
-        const std::uint64_t number = *device.pathInfo->box;
-        if (number == 0 || number > 254 || placeOf(device, boxes)) continue;
-        BoxPlan& box = boxNamed(boxes, "box " + std::to_string(number));
-        box.wish = static_cast<std::uint8_t>(number);
-        fillIfEmpty(box.port, device.pathInfo->port);
+        if (device.address.host != hba.host || !device.isDisk()) continue;
+        const std::optional<std::uint8_t> number = wishOf(device);
+        if (!number || placeOf(device, boxes)) continue;
+        BoxPlan& box = boxNamed(boxes, "box " + std::to_string(*number));
+        box.wish = number;
+        fillIfEmpty(box.port, ports.of(device));
     }
 }
 
@@ -107,12 +166,12 @@ void addNamedBoxes(const LiveMachine& machine, const LiveHba& hba, std::vector<B
 void takeWishes(const LiveMachine& machine, const LiveHba& hba, std::vector<BoxPlan>& boxes)
 {
     for (const ScsiDevice& device : machine.devices) {
-        if (device.address.host != hba.host || !device.isDisk() || !device.pathInfo || !device.pathInfo->box) continue;
-        const std::uint64_t number = *device.pathInfo->box;
-        const std::optional<BoxPlace> place = placeOf(device, boxes);
-        if (!place || boxes[place->box].wish || number == 0 || number > 254) continue;
+        if (device.address.host != hba.host || !device.isDisk()) continue;
+        const std::optional<std::uint8_t> number = wishOf(device);
+        const std::optional<BoxPlace> place = number ? placeOf(device, boxes) : std::nullopt;
+        if (!place || boxes[place->box].wish) continue;
         BoxPlan& box = boxes[place->box];
-        box.wish = static_cast<std::uint8_t>(number);
+        box.wish = number;
         if (!device.pathInfo->port.empty()) box.port = device.pathInfo->port;
     }
 }
@@ -131,75 +190,59 @@ std::uint64_t levelOf(const BoxPlan& box, const LiveMachine& machine)
 
 std::string askingKey(const ScsiDevice& device) { return device.path + '#' + std::to_string(device.identity); }
 
-std::string portName(const std::string& hbaPort, const SysfsTree& tree)
+std::string PortNames::of(const ScsiDevice& device)
 {
-    if (hbaPort.empty()) return {};
-    for (const std::string& name : tree.names(hbaPort)) {
+    if (device.pathInfo && !device.pathInfo->port.empty()) return device.pathInfo->port;
+    return device.hbaPort.empty() ? std::to_string(device.address.channel) : ofPort(device.hbaPort);
+}
+
+std::string PortNames::ofPort(const std::string& hbaPort)
+{
+    const auto [known, isNew] = _known.try_emplace(hbaPort);
+    if (!isNew) return known->second;
+    for (const std::string& name : _tree.names(hbaPort)) {
         const std::size_t colon = name.rfind(':');
         if (name.compare(0, 4, "phy-") == 0 && colon != std::string::npos)
-            return std::to_string(wholeNumber(name.substr(colon + 1)).value_or(0));
+            return known->second = std::to_string(wholeNumber(name.substr(colon + 1)).value_or(0));
     }
     const std::string port = lastOf(hbaPort);
-    return std::to_string(wholeNumber(port.substr(port.rfind(':') + 1)).value_or(0));
+    return known->second = std::to_string(wholeNumber(port.substr(port.rfind(':') + 1)).value_or(0));
 }
 
 std::optional<BoxPlace> placeOf(const ScsiDevice& disk, const std::vector<BoxPlan>& boxes)
 {
-    const auto where = [&boxes](auto matches) {
-        return static_cast<std::size_t>(std::find_if(boxes.begin(), boxes.end(), matches) - boxes.begin());
-    };
-    if (!disk.slotDirectory.empty()) {
-        const std::string enclosure = parentOf(disk.slotDirectory);
-        const std::size_t box = where([&enclosure](const BoxPlan& plan) {
-            return std::find(plan.enclosures.begin(), plan.enclosures.end(), enclosure) != plan.enclosures.end();
-        });
-        if (box < boxes.size()) return BoxPlace{box, disk.slot ? disk.slot : disk.bay};
-    }
-    if (disk.enclosureIdentifier != 0) {
-        const std::size_t box = where([&disk](const BoxPlan& plan) { return plan.id == disk.enclosureIdentifier; });
-        if (box < boxes.size()) return BoxPlace{box, disk.bay};
-    }
-    for (std::size_t box = 0; box < boxes.size() && disk.sasAddress != 0; ++box) {
-        if (const SlotHealth* slot = slotHealthOf(disk, boxes[box]))
-            return BoxPlace{box, slot->slot ? std::optional<std::uint64_t>(*slot->slot) : disk.phy};
-    }
-    if (!disk.expander.empty()) {
-        const std::size_t box = where([&disk](const BoxPlan& plan) {
-            return std::find(plan.expanders.begin(), plan.expanders.end(), disk.expander) != plan.expanders.end();
-        });
-        if (box < boxes.size()) return BoxPlace{box, disk.enclosureIdentifier != 0 && disk.bay ? disk.bay : disk.phy};
-    }
-    if (disk.pathInfo && disk.pathInfo->box) {
-        const std::string key = "box " + std::to_string(*disk.pathInfo->box);
-        const std::size_t box = where([&key, &disk](const BoxPlan& plan) {
-            return plan.key == key || (plan.wish && *plan.wish == *disk.pathInfo->box);
-        });
-        if (box < boxes.size()) return BoxPlace{box, disk.pathInfo->bay};
-    }
-    return std::nullopt;
+    std::size_t box = boxByEnclosure(disk, boxes);
+    if (box == boxes.size() && !disk.expander.empty()) box = boxWithExpander(boxes, disk.expander);
+    if (const std::optional<std::uint8_t> number = wishOf(disk); number && box == boxes.size())
+        box = firstBox(boxes, [&number](const BoxPlan& plan) { return plan.wish == number; });
+    if (box == boxes.size()) return std::nullopt;
+    return BoxPlace{box, bayOf(disk, boxes[box])};
 }
 
 const SlotHealth* slotHealthOf(const ScsiDevice& disk, const BoxPlan& box)
 {
-    if (!box.state || disk.sasAddress == 0) return nullptr;
-    for (const SlotHealth& slot : box.state->slots) {
-        if (std::find(slot.sasAddresses.begin(), slot.sasAddresses.end(), disk.sasAddress) != slot.sasAddresses.end())
-            return &slot;
+    if (disk.sasAddress == 0) return nullptr;
+    for (const EnclosureState* state : box.states) {
+        for (const SlotHealth& slot : state->slots) {
+            const auto& all = slot.sasAddresses;
+            if (std::find(all.begin(), all.end(), disk.sasAddress) != all.end()) return &slot;
+        }
     }
     return nullptr;
 }
 
 std::vector<BoxPlan> planBoxes(const LiveMachine& machine, const LiveHba& hba, const DeviceAnswers& answers,
-                               const SysfsTree& tree, BoxNumbering& numbering)
+                               PortNames& ports, BoxNumbering& numbering)
 {
     std::vector<BoxPlan> boxes;
     for (const ScsiDevice& device : machine.devices) {
         if (device.address.host == hba.host && device.type == ScsiDevice::enclosureServices)
-            addProcessor(machine, device, answers, tree, boxes);
+            addProcessor(machine, device, answers, ports, boxes);
     }
-    addExpanders(machine, hba, tree, boxes);
+    adoptExpanders(machine, hba, boxes);
+    addExpanders(machine, hba, ports, boxes);
     takeWishes(machine, hba, boxes);
-    addNamedBoxes(machine, hba, boxes);
+    addNamedBoxes(machine, hba, ports, boxes);
     for (BoxPlan& box : boxes)
         box.level = levelOf(box, machine);
     std::sort(boxes.begin(), boxes.end(), [](const BoxPlan& left, const BoxPlan& right) {

@@ -111,6 +111,17 @@ void putIdentity(const DrivePlan& drive, const DriveFacts& facts, SasPhysicalDri
     if (!device.blockName.empty()) putWhole(image.osName, "/dev/" + device.blockName);
 }
 
+// What tells the drives at the ports of an adapter apart: the bay that the driver names, else the port itself, or the
+// phy of an expander.
+std::uint64_t deviceAtPort(const ScsiDevice& device, const std::string& port)
+{
+    if (device.pathInfo && device.pathInfo->bay) return *device.pathInfo->bay;
+    if (device.hbaPort.empty()) return device.address.target;
+    if (device.enclosureIdentifier != 0 && device.bay) return *device.bay; // a bay of no enclosure is always 0
+    const std::uint64_t phy = device.phy.value_or(0);
+    return device.expander.empty() ? wholeNumber(port).value_or(phy) : phy;
+}
+
 } // namespace
 
 std::vector<DrivePlan> groupDrives(const LiveMachine& machine)
@@ -134,32 +145,23 @@ std::vector<DrivePlan> groupDrives(const LiveMachine& machine)
     return drives;
 }
 
-void placeDrive(DrivePlan& drive, const std::vector<BoxPlan>& boxes, const SysfsTree& tree)
+void placeDrive(DrivePlan& drive, const std::vector<BoxPlan>& boxes, PortNames& ports)
 {
+    const ScsiDevice* placed = drive.paths.front();
     for (const ScsiDevice* path : drive.paths) {
-        if (path->address.host != drive.host || drive.place) continue;
-        drive.place = placeOf(*path, boxes);
-        if (drive.place && !drive.place->bay) drive.place.reset(); // somewhere in the box is no place
+        if (path->address.host != drive.host || drive.inBay()) continue;
+        const std::optional<BoxPlace> place = placeOf(*path, boxes);
+        if (!place || (drive.place && !place->bay)) continue;
+        drive.place = place;
+        placed = path;
     }
-    if (drive.place) return;
-    const ScsiDevice& device = *drive.paths.front();
-    if (device.pathInfo) {
-        drive.port = device.pathInfo->port.empty() ? "0" : device.pathInfo->port;
-        drive.device = *device.pathInfo->bay;
-    } else if (!device.hbaPort.empty()) {
-        drive.port = portName(device.hbaPort, tree);
-        const bool bayIsReal = device.enclosureIdentifier != 0 && device.bay; // a bay of no enclosure is always 0
-        drive.device = bayIsReal ? *device.bay : device.phy.value_or(0);
-        if (!bayIsReal && device.expander.empty()) drive.device = wholeNumber(drive.port).value_or(0);
-    } else {
-        drive.port = std::to_string(device.address.channel);
-        drive.device = device.address.target;
-    }
+    drive.port = ports.of(*placed);
+    if (!drive.inBay()) drive.device = deviceAtPort(*placed, drive.port);
 }
 
 std::optional<std::uint32_t> wishedNumber(const DrivePlan& drive, const std::vector<BoxPlan>& boxes)
 {
-    if (drive.place) return numberByPlace(boxes[drive.place->box].number, *drive.place->bay);
+    if (drive.inBay()) return numberByPlace(boxes[drive.place->box].number, *drive.place->bay);
     const ScsiDevice& device = *drive.paths.front();
     if (device.hbaPort.empty() && !device.pathInfo)
         return device.address.channel < 3 && device.address.target < 256
@@ -170,9 +172,9 @@ std::optional<std::uint32_t> wishedNumber(const DrivePlan& drive, const std::vec
 
 std::string locationText(const DrivePlan& drive, const std::vector<BoxPlan>& boxes)
 {
-    if (!drive.place) return "Port " + drive.port + " Device " + std::to_string(drive.device);
-    const BoxPlan& box = boxes[drive.place->box];
-    return "Port " + box.port + " Box " + std::to_string(box.number) + " Bay " + std::to_string(*drive.place->bay);
+    if (!drive.inBay()) return "Port " + drive.port + " Device " + std::to_string(drive.device);
+    return "Port " + drive.port + " Box " + std::to_string(boxes[drive.place->box].number) + " Bay " +
+           std::to_string(*drive.place->bay);
 }
 
 SasPhysicalDriveRecord driveImage(const DrivePlan& drive, const std::vector<BoxPlan>& boxes,
@@ -187,9 +189,10 @@ SasPhysicalDriveRecord driveImage(const DrivePlan& drive, const std::vector<BoxP
     image.hbaNumber = drive.host;
     image.driveNumber = drive.number.value_or(0);
     image.status = driveStatus(facts);
-    image.usage = notConfigured; // until an array claims it
+    // Until an array claims it. A disk that the adapter shows without a block device may be in a volume of its own.
+    image.usage = device.blockName.empty() ? std::uint8_t{0} : notConfigured;
     image.interface = static_cast<std::uint8_t>(device.transport);
-    image.placement = placementOf(drive.place ? boxes[drive.place->box].port : drive.port);
+    image.placement = placementOf(drive.port);
     image.carrierAuthStatus = noCarrier;
     if (drive.place) {
         image.hotPlug = hotSwappable;

@@ -20,16 +20,18 @@ struct DrivePlan {
     std::uint32_t host = 0;               // of the HBA whose drive it is
     std::vector<const ScsiDevice*> paths; // the first one is what the record tells of
     std::optional<BoxPlace> place;        // among the boxes of the HBA
-    std::string port;                     // of a directly attached one
-    std::uint64_t device = 0;             // likewise
+    std::string port;                     // of the adapter; two drives of a box may be at two of them
+    std::uint64_t device = 0;             // at the port, where no bay is known
+
+    bool inBay() const noexcept { return place && place->bay; }
     std::optional<std::uint32_t> number;
 };
 
 // Every disk once, in the order of HBAs and addresses. A disk with two ways belongs to the HBA of the first one.
 std::vector<DrivePlan> groupDrives(const LiveMachine& machine);
 
-// Fills place, or port and device.
-void placeDrive(DrivePlan& drive, const std::vector<BoxPlan>& boxes, const SysfsTree& tree);
+// Fills place, port and device.
+void placeDrive(DrivePlan& drive, const std::vector<BoxPlan>& boxes, PortNames& ports);
 
 std::optional<std::uint32_t> wishedNumber(const DrivePlan& drive, const std::vector<BoxPlan>& boxes);
 

@@ -16,7 +16,7 @@ struct Worst {
     void add(std::uint8_t code)
     {
         known = known || code == SesCode::ok;
-        unclear = unclear || code == SesCode::unknown || code == SesCode::notAvailable;
+        unclear = unclear || code >= SesCode::unknown; // the codes above it are ways to not tell, or not defined
         degraded = degraded || code == SesCode::nonCritical;
         failed = failed || code == SesCode::critical || code == SesCode::unrecoverable;
     }
@@ -98,8 +98,8 @@ std::optional<EnclosureState> enclosureState(ByteView configurationPage, ByteVie
     for (const SesElementType& type : configuration->types) {
         for (std::size_t i = 0; i < type.elements; ++i, ++index) {
             if (type.type != SesElement::deviceSlot && type.type != SesElement::arrayDeviceSlot) continue;
-            ++state.bays;
             SlotHealth slot;
+            slot.order = state.bays++;
             if (current && index < status->elements.size()) slot = judgeSlot(status->elements[index]);
             if (index < names.size()) slot.name = names[index];
             const auto found = std::find_if(addresses.begin(), addresses.end(), [index](const SesSlotAddress& address) {

@@ -75,11 +75,12 @@ SasStorageBoxRecord boxImage(const BoxPlan& box, const LiveHba& hba)
     putText(image.name, "Port " + box.port + " Box " + std::to_string(box.number));
     image.driveBays = static_cast<std::uint8_t>(std::min<std::uint64_t>(box.bays.value_or(0), 255));
     if (!box.port.empty()) image.locationCode = box.port.back() == 'I' ? 2 : box.port.back() == 'E' ? 3 : 0;
-    if (box.state && !box.hung) {
-        image.status = box.state->status;
-        image.fanStatus = box.state->fans;
-        image.powerStatus = box.state->power;
-        image.temperatureStatus = box.state->temperature;
+    if (!box.states.empty()) { // every processor of a box sees all its parts
+        const EnclosureState& state = *box.states.front();
+        image.status = state.status;
+        image.fanStatus = state.fans;
+        image.powerStatus = state.power;
+        image.temperatureStatus = state.temperature;
     }
     return image;
 }
@@ -120,13 +121,14 @@ Machine MachineBuilder::build(const LiveMachine& live, const DeviceAnswers& answ
     _wantsAnotherPass = false;
     std::vector<DrivePlan> drives = groupDrives(live);
     DrivesByPath byPath;
+    PortNames ports(_tree);
     for (const LiveHba& hba : live.hbas) {
         Numbers& numbers = _numbers[hba.host];
         machine.emplace_back();
         MachineHba& made = machine.back();
         made.hba.key.number = hba.host;
         made.hba.image = hbaImage(hba);
-        const std::vector<BoxPlan> boxes = planBoxes(live, hba, answers, _tree, numbers.boxes);
+        const std::vector<BoxPlan> boxes = planBoxes(live, hba, answers, ports, numbers.boxes);
         for (const BoxPlan& box : boxes) {
             made.storageBoxes.emplace_back();
             made.storageBoxes.back().key.number = box.number;
@@ -136,7 +138,7 @@ Machine MachineBuilder::build(const LiveMachine& live, const DeviceAnswers& answ
         std::vector<NumberWish> wishes;
         for (DrivePlan& drive : drives) {
             if (drive.host != hba.host) continue;
-            placeDrive(drive, boxes, _tree);
+            placeDrive(drive, boxes, ports);
             own.push_back(&drive);
             wishes.push_back({drive.identity, wishedNumber(drive, boxes)});
         }

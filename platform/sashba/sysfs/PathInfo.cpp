@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <utility>
 
 namespace KDV {
 namespace {
@@ -24,6 +25,13 @@ bool isPortName(std::string_view word)
     });
 }
 
+// The firmware keeps these in bytes, and 255 is its word for "none".
+std::optional<std::uint64_t> knownNumber(std::string_view word)
+{
+    const std::optional<std::uint64_t> number = wholeNumber(word);
+    return number && *number < 255 ? number : std::nullopt;
+}
+
 std::optional<PathInfo> parseLine(std::string_view line, bool& active)
 {
     PathInfo info;
@@ -36,15 +44,15 @@ std::optional<PathInfo> parseLine(std::string_view line, bool& active)
                 line = ahead;
             }
         } else if (word == "BOX:") {
-            info.box = wholeNumber(nextWord(line));
+            info.box = knownNumber(nextWord(line));
         } else if (word == "BAY:") {
-            info.bay = wholeNumber(nextWord(line));
+            info.bay = knownNumber(nextWord(line));
         } else if (word == "Active") {
             active = true;
         }
     }
-    if (!info.bay) return std::nullopt;
-    return info;
+    const bool tellsNothing = info.port.empty() && !info.box && !info.bay; // as of a volume
+    return tellsNothing ? std::nullopt : std::optional<PathInfo>(std::move(info));
 }
 
 } // namespace

@@ -15,7 +15,7 @@ struct PathInfo {
     std::optional<std::uint64_t> bay;
 };
 
-// Of the active path; of the first one when none says that it is active. Nothing when no line names a bay.
+// Of the active path; of the first one when none says that it is active. Nothing when no line names a port, box or bay.
 std::optional<PathInfo> parsePathInfo(std::string_view text);
 
 } // namespace KDV

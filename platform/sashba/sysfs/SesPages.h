@@ -29,6 +29,7 @@ constexpr std::uint8_t unrecoverable = 4;
 constexpr std::uint8_t notInstalled = 5;
 constexpr std::uint8_t unknown = 6;
 constexpr std::uint8_t notAvailable = 7;
+constexpr std::uint8_t noAccessAllowed = 8;
 } // namespace SesCode
 
 struct SesElementType {
@@ -71,7 +72,8 @@ std::vector<SesSlotAddress> parseSesAdditionalStatus(ByteView page, const SesCon
 // The pages together, in the codes of the records.
 struct SlotHealth {
     std::optional<std::uint8_t> slot;
-    std::string name; // as the enclosure writes it
+    std::size_t order = 0; // among the bays
+    std::string name;      // as the enclosure writes it
     bool failed = false;
     bool failurePredicted = false;
     std::vector<std::uint64_t> sasAddresses;

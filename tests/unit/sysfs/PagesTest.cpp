@@ -230,7 +230,14 @@ TEST(PathInformation, IsThatOfTheActiveWay)
     EXPECT_EQ(noBox->port, "C0");
     EXPECT_FALSE(noBox->box);
     EXPECT_FALSE(parsePathInfo("PORT: BOX: BAY:"));
-    EXPECT_FALSE(parsePathInfo("PORT: 1I BOX: 3 BAY: 99999999999999999999999999"));
+    for (const char* bay : {"99999999999999999999999999", "255", "-1", ""}) {
+        const auto noBay = parsePathInfo(std::string("PORT: 1I BOX: 3 BAY: ") + bay);
+        ASSERT_TRUE(noBay) << bay;
+        EXPECT_EQ(noBay->port, "1I");
+        EXPECT_EQ(noBay->box, 3U);
+        EXPECT_FALSE(noBay->bay) << bay;
+    }
+    EXPECT_FALSE(parsePathInfo("BOX: 255 BAY: 255 Active"));
 }
 
 TEST(PlugMessages, TellOfDisksEnclosuresAndArraysOnly)

@@ -120,10 +120,16 @@ TEST(EnclosureState, OfPartsByTheirWorst)
 {
     struct {
         int code, fan, supply, sensor;
-    } const cases[] = {{SesCode::ok, 2, 2, 2},           {SesCode::nonCritical, 3, 3, 3},
-                       {SesCode::critical, 5, 5, 4},     {SesCode::unrecoverable, 5, 5, 4},
-                       {SesCode::notInstalled, 2, 0, 0}, {SesCode::unsupported, 2, 0, 0},
-                       {SesCode::unknown, 0, 0, 0},      {SesCode::notAvailable, 0, 0, 0}};
+    } const cases[] = {{SesCode::ok, 2, 2, 2},
+                       {SesCode::nonCritical, 3, 3, 3},
+                       {SesCode::critical, 5, 5, 4},
+                       {SesCode::unrecoverable, 5, 5, 4},
+                       {SesCode::notInstalled, 2, 0, 0},
+                       {SesCode::unsupported, 2, 0, 0},
+                       {SesCode::unknown, 0, 0, 0},
+                       {SesCode::notAvailable, 0, 0, 0},
+                       {SesCode::noAccessAllowed, 0, 0, 0},
+                       {15, 0, 0, 0}};
     for (const auto& one : cases) {
         std::vector<std::string> elements = allOk();
         elements[3] = elements[4] = elements[5] = sesElement(one.code); // one of the two fans, the others alone
