@@ -56,6 +56,7 @@ void takeSmartctl(const std::string& output, DeviceAnswer& answer)
     if (!report) return;
     if (report->asleep) answer.readiness = Readiness::Asleep;
     if (report->passed) answer.failurePredicted = answer.failurePredicted.value_or(false) || !*report->passed;
+    answer.warned = answer.warned || report->warned;
     if (!answer.powerOnHours) answer.powerOnHours = report->powerOnHours;
     if (!answer.enduranceUsed) answer.enduranceUsed = report->enduranceUsed;
     answer.rotation = report->rotation;

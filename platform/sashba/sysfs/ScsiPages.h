@@ -28,11 +28,13 @@ struct AtaIdentity { // from the ATA Information page
 };
 
 struct InformationalExceptions {
+    static constexpr std::uint8_t exceeded = 0x5D; // "failure prediction threshold exceeded"
+
     std::uint8_t asc = 0;
     std::uint8_t ascq = 0;
 
-    // 5Dh is "failure prediction threshold exceeded"; its qualifier FFh marks a test, and 0Bh is a warning.
-    bool predictsFailure() const noexcept { return asc == 0x5D && ascq != 0xFF; }
+    // The qualifier FFh marks a test, and 0Bh is a warning.
+    bool predictsFailure() const noexcept { return asc == exceeded && ascq != 0xFF; }
     bool warns() const noexcept { return asc == 0x0B; }
 };
 

@@ -1,6 +1,7 @@
 #include "sashba/sysfs/SmartctlOutput.h"
 
 #include "sashba/sysfs/DeviceText.h"
+#include "sashba/sysfs/ScsiPages.h"
 
 #include <initializer_list>
 #include <limits>
@@ -75,6 +76,45 @@ std::optional<std::uint32_t> enduranceInStatistics(const Json& root)
     return std::nullopt;
 }
 
+// SATA disks without those statistics have it in an attribute that every maker names in his way: the percentage left,
+// which begins at 100.
+std::optional<std::uint32_t> enduranceInAttributes(const Json& root)
+{
+    const Json* table = below(root, {"ata_smart_attributes", "table"});
+    if (!table || !table->is_array()) return std::nullopt;
+    for (const Json& row : *table) {
+        const std::string name = textBelow(row, {"name"});
+        const auto left = numberBelow<std::uint8_t>(row, {"value"});
+        for (const char* known :
+             {"Media_Wearout_Indicator", "Percent_Lifetime_Remain", "SSD_Life_Left", "Wear_Leveling_Count"}) {
+            if (name == known && left && *left <= 100) return 100U - *left;
+        }
+    }
+    return std::nullopt;
+}
+
+std::optional<std::uint32_t> enduranceUsed(const Json& root)
+{
+    if (const auto used = numberBelow<std::uint32_t>(root, {"scsi_percentage_used_endurance_indicator"})) return used;
+    if (const auto used = numberBelow<std::uint32_t>(root, {"endurance_used", "current_percent"})) return used;
+    if (const auto used = enduranceInStatistics(root)) return used;
+    return enduranceInAttributes(root);
+}
+
+// It calls every informational exception of a SCSI disk a failure, also the test of one and mere warnings.
+void readHealth(const Json& root, SmartctlReport& report)
+{
+    report.passed = flagBelow(root, {"smart_status", "passed"});
+    const auto asc = numberBelow<std::uint8_t>(root, {"smart_status", "scsi", "asc"});
+    const auto ascq = numberBelow<std::uint8_t>(root, {"smart_status", "scsi", "ascq"});
+    if (!asc || !ascq) return;
+    const InformationalExceptions said{*asc, *ascq};
+    report.warned = said.warns();
+    if (report.passed == false && !said.predictsFailure() &&
+        (said.warns() || *asc == InformationalExceptions::exceeded))
+        report.passed = true;
+}
+
 bool saysAsleep(const Json& root)
 {
     const Json* messages = below(root, {"smartctl", "messages"});
@@ -104,10 +144,9 @@ std::optional<SmartctlReport> parseSmartctlOutput(std::string_view output)
     report.exitStatus = numberBelow<std::uint8_t>(root, {"smartctl", "exit_status"}).value_or(std::uint8_t{0});
     report.asleep = saysAsleep(root);
     report.supported = flagBelow(root, {"smart_support", "available"}).value_or(true);
-    report.passed = flagBelow(root, {"smart_status", "passed"});
+    readHealth(root, report);
     report.powerOnHours = numberBelow<std::uint32_t>(root, {"power_on_time", "hours"});
-    report.enduranceUsed = numberBelow<std::uint32_t>(root, {"scsi_percentage_used_endurance_indicator"});
-    if (!report.enduranceUsed) report.enduranceUsed = enduranceInStatistics(root);
+    report.enduranceUsed = enduranceUsed(root);
     report.rotation = rotationOf(root);
     report.temperature = numberBelow<std::uint8_t>(root, {"temperature", "current"});
     if (!report.supported && report.temperature == std::uint8_t{0})

@@ -14,6 +14,7 @@ struct SmartctlReport {
     bool asleep = false;   // it did not look further, so as not to wake the disk
     bool supported = true; // the disk has a health status at all
     std::optional<bool> passed;
+    bool warned = false; // of something short of a predicted failure
     std::optional<std::uint32_t> powerOnHours;
     std::optional<std::uint32_t> enduranceUsed; // percent
     std::optional<std::uint16_t> rotation;      // 1 solid state, as on the Block Device Characteristics page

@@ -186,6 +186,44 @@ TEST(Smartctl, ReportOfASataDiskInOlderAndNewerNames)
     EXPECT_EQ(report->vendor, "ATA");
 }
 
+TEST(Smartctl, CallsTestsAndWarningsFailuresWhichTheyAreNot)
+{
+    struct {
+        const char* health;
+        bool passed, warned;
+    } const cases[] = {{R"({"passed": false, "scsi": {"asc": 93, "ascq": 16}})", false, false},
+                       {R"({"passed": false, "scsi": {"asc": 93, "ascq": 255}})", true, false},
+                       {R"({"passed": false, "scsi": {"asc": 11, "ascq": 1}})", true, true},
+                       {R"({"passed": false, "scsi": {"asc": 3, "ascq": 0}})", false, false},
+                       {R"({"passed": false, "scsi": {"asc": "93"}})", false, false},
+                       {R"({"passed": true, "scsi": {"asc": 0, "ascq": 0}})", true, false}};
+    for (const auto& one : cases) {
+        const auto report = parseSmartctlOutput(std::string(R"({"smartctl": {}, "smart_status": )") + one.health + "}");
+        ASSERT_TRUE(report);
+        EXPECT_EQ(report->passed, one.passed) << one.health;
+        EXPECT_EQ(report->warned, one.warned) << one.health;
+    }
+}
+
+TEST(Smartctl, KnowsTheWearOfASataDiskByTheNamesOfItsMaker)
+{
+    const std::pair<const char*, std::optional<std::uint32_t>> cases[] = {
+        {R"({"name": "Media_Wearout_Indicator", "value": 97})", 3U},
+        {R"({"name": "Wear_Leveling_Count", "value": 100})", 0U},
+        {R"({"name": "Percent_Lifetime_Remain", "value": 0})", 100U},
+        {R"({"name": "SSD_Life_Left", "value": 253})", std::nullopt},
+        {R"({"name": "Power_Cycle_Count", "value": 99})", std::nullopt}};
+    for (const auto& [row, used] : cases) {
+        const auto report = parseSmartctlOutput(
+            std::string(R"({"smartctl": {}, "ata_smart_attributes": {"table": [1, )") + row + "]}}");
+        ASSERT_TRUE(report);
+        EXPECT_EQ(report->enduranceUsed, used) << row;
+    }
+    const auto newer = parseSmartctlOutput(R"({"smartctl": {}, "endurance_used": {"current_percent": 5}})");
+    ASSERT_TRUE(newer);
+    EXPECT_EQ(newer->enduranceUsed, 5U);
+}
+
 TEST(Smartctl, ASleepingDiskAndOneWithoutHealth)
 {
     const auto sleeping = parseSmartctlOutput(R"json({"smartctl": {"exit_status": 2, "messages": [
