@@ -10,6 +10,7 @@
 #include <cctype>
 #include <cstddef>
 #include <cstring>
+#include <iterator>
 #include <limits>
 #include <optional>
 #include <set>
@@ -163,21 +164,30 @@ std::optional<std::uint64_t> spareableDrives(const MdArray& array)
     return std::nullopt;
 }
 
+bool countsMissingDrives(const MdArray& array) { return array.level != "raid0" && array.level != "linear"; }
+
 bool lostWhatItNeeds(const MdArray& array)
 {
     if (array.arrayState == "inactive" || array.arrayState == "clear" || array.arrayState == "broken") return true;
-    if (array.level == "raid0" || array.level == "linear") // they count no missing drives: every one is needed
+    if (!countsMissingDrives(array)) // every one is needed
         return std::any_of(array.members.begin(), array.members.end(),
                            [](const MdMember& member) { return hasWord(member.state, "faulty"); });
     const std::uint64_t missing = array.degraded.value_or(0);
     return missing > spareableDrives(array).value_or(missing);
 }
 
+bool isRunning(const std::string& state)
+{
+    constexpr std::string_view states[] = {"clean",    "active",    "active-idle", "write-pending",
+                                           "readonly", "read-auto", "suspended"};
+    return std::find(std::begin(states), std::end(states), state) != std::end(states);
+}
+
 // An array that brings its copies in line with each other has all its drives, but cannot yet do without one.
 void setArrayState(SasLogicalDriveRecord& image, const MdArray& array)
 {
-    if (array.arrayState.empty()) return;
     if (lostWhatItNeeds(array)) return setStates(image, State::failed, Redundancy::failed);
+    if (!isRunning(array.arrayState) || (countsMissingDrives(array) && !array.degraded)) return; // unknown
     const bool missing = array.degraded.value_or(0) > 0;
     const std::uint8_t redundancy = isRebuilding(array) ? Redundancy::rebuilding
                                     : missing           ? Redundancy::lost

@@ -96,11 +96,21 @@ TEST_F(LiveArrays, TooManyMissingDrivesOrADeadStateIsAFailedArray)
         const char *level, *state, *degraded;
         unsigned disks;
         int status, redundancy;
-    } const cases[] = {
-        {"raid5", "clean", "1", 4, 3, 3},    {"raid5", "clean", "2", 4, 4, 5}, {"raid6", "active", "2", 4, 3, 3},
-        {"raid6", "active", "3", 4, 4, 5},   {"raid1", "clean", "1", 2, 3, 3}, {"raid1", "clean", "2", 2, 4, 5},
-        {"raid10", "clean", "2", 4, 3, 3},   {"raid0", "broken", "", 2, 4, 5}, {"raid0", "clean", "", 2, 2, 2},
-        {"raid5", "inactive", "0", 4, 4, 5}, {"raid5", "", "0", 4, 0, 0},      {"raid1", "clean", "nonsense", 2, 2, 2}};
+    } const cases[] = {{"raid5", "clean", "1", 4, 3, 3},
+                       {"raid5", "clean", "2", 4, 4, 5},
+                       {"raid6", "active", "2", 4, 3, 3},
+                       {"raid6", "active", "3", 4, 4, 5},
+                       {"raid1", "clean", "1", 2, 3, 3},
+                       {"raid1", "clean", "2", 2, 4, 5},
+                       {"raid10", "clean", "2", 4, 3, 3},
+                       {"raid0", "broken", "", 2, 4, 5},
+                       {"raid0", "clean", "", 2, 2, 2},
+                       {"raid5", "inactive", "0", 4, 4, 5},
+                       {"raid5", "", "0", 4, 0, 0},
+                       {"raid1", "clean", "nonsense", 2, 0, 0},
+                       {"raid5", "unheard of", "0", 4, 0, 0},
+                       {"raid5", "read-auto", "0", 4, 2, 2},
+                       {"raid5", "", "2", 4, 4, 5}};
     const std::string md = mirror();
     LiveRecords records(sysfs);
     for (const auto& one : cases) {
