@@ -4,9 +4,27 @@
 #include "sashba/sysfs/PassRequest.h"
 #include "sashba/sysfs/SgDevice.h"
 
+#include <sys/stat.h>
 #include <utility>
 
 namespace KDV {
+namespace {
+
+bool isFolder(const std::string& path)
+{
+    struct stat status {};
+    return stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+}
+
+// Captures are unpacked as a folder with "sys" in it; that folder may be given as well.
+std::string rootOf(const std::string& given)
+{
+    const bool isAbove =
+        !isFolder(given + "/class") && !isFolder(given + "/devices") && isFolder(given + "/sys/devices");
+    return isAbove ? given + "/sys" : given;
+}
+
+} // namespace
 
 // The device nodes of this machine are not those of a captured one's disks.
 std::unique_ptr<Source> openLiveMachine(const std::string& root, const SysfsSettings& settings,
@@ -14,13 +32,14 @@ std::unique_ptr<Source> openLiveMachine(const std::string& root, const SysfsSett
                                         std::function<void(const std::string&)> reportInfo)
 {
     const bool captured = !root.empty() && root != "/sys" && root != "/sys/";
+    const std::string used = captured ? rootOf(root) : "/sys";
     SysfsSurroundings surroundings;
     surroundings.reportError = std::move(reportError);
     surroundings.reportInfo = std::move(reportInfo);
     surroundings.requestPass = requestPassIfPossible;
-    surroundings.opener = captured ? makeCaptureOpener(root) : makeSgOpener();
+    surroundings.opener = captured ? makeCaptureOpener(used) : makeSgOpener();
     surroundings.listenToPlugs = !captured;
-    return std::make_unique<SysfsSource>(captured ? root : "/sys", settings, std::move(surroundings));
+    return std::make_unique<SysfsSource>(used, settings, std::move(surroundings));
 }
 
 } // namespace KDV

@@ -61,6 +61,20 @@ TEST_F(LiveLibrary, ReadsTheMachineWhereNoScenarioIsChosen)
     EXPECT_EQ(root.hbas->physicalDrives->status, 2);
 }
 
+TEST_F(LiveLibrary, ReadsACaptureByTheFolderAboveItsTreeToo)
+{
+    attach("0", "SP0001");
+    sysfs.page("0:0:0:0", "ready", "ready");
+    for (const std::string above : {"/..", "/../", "/../sys/"}) {
+        setenv("KDV_SYSFS_ROOT", (sysfs.root() + above).c_str(), 1);
+        SasDataRoot own{};
+        CreateSasLists(&own);
+        ASSERT_TRUE(own.hbas) << above;
+        ASSERT_TRUE(own.hbas->physicalDrives) << above;
+        EXPECT_EQ(own.hbas->physicalDrives->status, 2) << above;
+    }
+}
+
 TEST_F(LiveLibrary, AsksForAPassThroughTheNameThatTheProcessHas)
 {
     const std::string first = attach("0", "SP0001");
