@@ -47,7 +47,7 @@ int runCapture(const CaptureOptions& options)
     MachineCapture made = captureMachine(settings);
     if (!options.withSerialNumbers) {
         Secrets secrets = secretsOf(made.captured.entries);
-        secrets.addText(system.nodename);
+        secrets.addHostName(system.nodename);
         makeAnonymous(made.captured, secrets, systemRandom());
     }
     CaptureCircumstances circumstances;

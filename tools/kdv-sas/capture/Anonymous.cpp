@@ -7,8 +7,8 @@
 #include "sashba/sysfs/SysfsTree.h"
 
 #include <algorithm>
-#include <cctype>
-#include <iterator>
+#include <set>
+#include <string_view>
 #include <utility>
 
 namespace KdvSas {
@@ -60,10 +60,15 @@ std::string replacedAtaPage(const std::string& page, const ByteReplacer& replace
     return made.replace(identifyAt, identifyBytes, identify);
 }
 
-// A count or a size, which is no secret even where its digits are those of one.
-bool isPlainNumber(const std::string& name, const std::string& content)
+// A count, a size or one of the kernel's own words, which is no secret even where it reads as one.
+bool isOfKernel(const std::string& name, const std::string& content)
 {
     constexpr std::size_t most = 20;
+    static const std::set<std::string_view> words{
+        "access_state", "active_mode", "array_state", "cache_type",  "dh_state",       "last_sync_action",
+        "layout",       "level",       "proc_name",   "queue_type",  "raid_level",     "ready",
+        "slot",         "state",       "status",      "sync_action", "transport_mode", "type"};
+    if (words.count(name) != 0) return true;
     const std::string_view text = KDV::trimmed(content);
     const bool mayBeSerial = name == "serial_number" || name == "board_tracer" || name == "pcba_sn";
     return !mayBeSerial && !text.empty() && text.size() <= most &&
@@ -96,7 +101,7 @@ void makeAnonymous(Captured& captured, const Secrets& secrets, const Random& ran
             entry.content = std::move(*output);
         } else if (name == "vpd_pg89") {
             entry.content = replacedAtaPage(entry.content, replacer);
-        } else if (!isPlainNumber(name, entry.content)) {
+        } else if (!isOfKernel(name, entry.content)) {
             entry.content = text(entry.content);
         }
         kept.push_back(std::move(entry));

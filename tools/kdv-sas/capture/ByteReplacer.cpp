@@ -84,6 +84,8 @@ ByteReplacer::ByteReplacer(const Substitutes& substitutes)
         addLongName(name, substitute);
     for (const auto& [text, substitute] : substitutes.texts)
         addText(text, substitute);
+    for (const auto& [word, substitute] : substitutes.words)
+        _exact.add(word, {substitute, true});
 }
 
 void ByteReplacer::addDigits(const std::string& bytes, const std::string& substitute)
@@ -115,7 +117,7 @@ void ByteReplacer::addText(const std::string& text, const std::string& substitut
     constexpr std::size_t sureDigits = 10;
     const bool number = std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
     _exact.add(text, {substitute, text.size() < (number ? sureDigits : sureLength)});
-    addDigits(text, substitute);
+    if (text.size() >= sureLength) addDigits(text, substitute);
 }
 
 std::string ByteReplacer::run(std::string_view bytes, bool namesOnly, std::vector<bool>* putIn) const

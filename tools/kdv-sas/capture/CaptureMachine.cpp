@@ -11,6 +11,7 @@
 #include <future>
 #include <optional>
 #include <set>
+#include <string>
 #include <thread>
 #include <utility>
 
@@ -32,6 +33,16 @@ std::optional<KDV::LiveMachine> scanInTime(const std::shared_ptr<const KDV::Sysf
     return found.get();
 }
 
+void takeArrays(const KDV::SysfsTree& tree, TreeWalk& walk)
+{
+    for (const std::string list : {"block/", "class/block/"}) {
+        for (const std::string& name : tree.names(list.substr(0, list.size() - 1))) {
+            const std::string block = tree.target(list + name);
+            if (!block.empty() && tree.identity(block + "/md") != 0) walk.takeArray(block);
+        }
+    }
+}
+
 void walkTree(const CaptureSettings& settings, const KDV::SysfsTree& tree, const std::optional<KDV::LiveMachine>& live,
               Captured& to)
 {
@@ -45,18 +56,17 @@ void walkTree(const CaptureSettings& settings, const KDV::SysfsTree& tree, const
         for (const KDV::LiveHba& hba : live->hbas)
             adapters.insert(hba.path);
     }
+    for (const std::string& adapter : adapters)
+        walk.takeHost(adapter);
     for (const std::string& name : tree.names("class/scsi_host")) {
         const std::string host = KDV::splitDevicePath(tree.target("class/scsi_host/" + name)).host;
-        if (host.empty()) continue;
-        if (adapters.empty() || adapters.count(host) != 0) // an adapter that is not recognised is worth a report too
+        if (host.empty() || adapters.count(host) != 0) continue;
+        if (adapters.empty()) // an adapter that is not recognised is worth a report too
             walk.takeHost(host);
         else
             walk.takeHostAttributes(host);
     }
-    for (const std::string& name : tree.names("block")) {
-        const std::string block = name.compare(0, 2, "md") == 0 ? tree.target("block/" + name) : std::string();
-        if (!block.empty() && tree.identity(block + "/md") != 0) walk.takeArray(block);
-    }
+    takeArrays(tree, walk);
     walk.takePciSlots();
     walk.takeLists();
 }

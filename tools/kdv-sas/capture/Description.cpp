@@ -4,6 +4,18 @@
 #include <vector>
 
 namespace KdvSas {
+namespace {
+
+// A line stays one, whatever is in a name.
+std::string oneLine(std::string text)
+{
+    for (char& letter : text) {
+        if (static_cast<unsigned char>(letter) < ' ' || letter == 0x7F) letter = '?';
+    }
+    return text;
+}
+
+} // namespace
 
 std::string describeCapture(const MachineCapture& made, const CaptureCircumstances& circumstances)
 {
@@ -23,7 +35,7 @@ std::string describeCapture(const MachineCapture& made, const CaptureCircumstanc
     for (const auto& [why, paths] : byReason) {
         text += "\n" + why + ":\n";
         for (const std::string& path : paths)
-            text += "    " + path + "\n";
+            text += "    " + oneLine(path) + "\n";
     }
     return text;
 }

@@ -128,6 +128,18 @@ void findInInquiry(ByteView data, const CommonTexts& common, Secrets& secrets)
     addWordsLikeNumbers(data.from(96).chars(), 8, 4, common, secrets);
 }
 
+void findInAtaPage(ByteView page, Secrets& secrets)
+{
+    constexpr std::size_t nameAt = 60 + 108 * 2; // words 108 to 111, each with its low byte first
+    const auto ata = KDV::parseAtaInformation(page);
+    if (!ata) return;
+    secrets.addText(ata->serial);
+    std::uint64_t name = 0;
+    for (std::size_t word = 0; word < 4; ++word)
+        name = name << 16 | page.u8(nameAt + word * 2 + 1) << 8 | page.u8(nameAt + word * 2);
+    if (name >> 60 == 5) secrets.addAddress(name);
+}
+
 void findInAttribute(std::string_view name, std::string_view content, const CommonTexts& common, Secrets& secrets)
 {
     const ByteView bytes(content);
@@ -136,7 +148,7 @@ void findInAttribute(std::string_view name, std::string_view content, const Comm
     } else if (name == "vpd_pg83") {
         findInDeviceNames(bytes, common, secrets);
     } else if (name == "vpd_pg89") {
-        if (const auto ata = KDV::parseAtaInformation(bytes)) secrets.addText(ata->serial);
+        findInAtaPage(bytes, secrets);
     } else if (name == "inquiry") {
         findInInquiry(bytes, common, secrets);
     } else if (isOneOf(name, {"board_tracer", "serial_number", "pcba_sn", "uuid"})) {
@@ -144,7 +156,8 @@ void findInAttribute(std::string_view name, std::string_view content, const Comm
     } else if (isOneOf(name, {"wwid", "sas_address", "host_sas_address", "enclosure_identifier", "id", "lunid",
                               "unique_id"})) {
         const std::string_view text = KDV::trimmed(content);
-        if (!secrets.addHexName(text) && name == "wwid") addLastWord(text, common, secrets);
+        if (secrets.addHexName(text)) return;
+        if (name == "wwid") addLastWord(text, common, secrets);
         if (name == "unique_id" || name == "lunid") addWordsLikeNumbers(text, 12, 1, common, secrets);
     }
 }

@@ -29,6 +29,18 @@ bool mayBeName(std::string_view digits)
     return digits.size() == addressDigits ? kind == '2' || kind == '3' || kind == '5' || kind == '6' : kind == '6';
 }
 
+// What makers write where they have nothing to write.
+bool isPlaceholder(std::string_view text)
+{
+    constexpr std::string_view placeholders[] = {
+        "none",           "null",          "unknown",       "default",
+        "default string", "not available", "not specified", "to be filled by o.e.m."};
+    std::string lower(text);
+    for (char& letter : lower)
+        letter = static_cast<char>(std::tolower(static_cast<unsigned char>(letter)));
+    return std::find(std::begin(placeholders), std::end(placeholders), lower) != std::end(placeholders);
+}
+
 } // namespace
 
 void Secrets::addText(std::string_view text)
@@ -37,10 +49,18 @@ void Secrets::addText(std::string_view text)
     const std::string_view inner = KDV::trimmed(text);
     const auto letters = std::count_if(inner.begin(), inner.end(), isWordLetter);
     const bool printable = std::all_of(inner.begin(), inner.end(), [](char c) { return c >= ' ' && c < 0x7F; });
-    if (letters < static_cast<std::ptrdiff_t>(fewest) || !printable) return;
+    if (letters < static_cast<std::ptrdiff_t>(fewest) || !printable || isPlaceholder(inner)) return;
     const bool oneLetter =
         std::all_of(inner.begin(), inner.end(), [&](char c) { return c == inner.front() || !isWordLetter(c); });
     if (!oneLetter) texts.emplace(inner);
+}
+
+void Secrets::addHostName(std::string_view name)
+{
+    constexpr std::size_t fewest = 3;
+    for (const std::string_view each : {name, name.substr(0, name.find('.'))}) {
+        if (each.size() >= fewest && each != "localhost" && texts.count(std::string(each)) == 0) words.emplace(each);
+    }
 }
 
 void Secrets::addAddress(std::uint64_t address)

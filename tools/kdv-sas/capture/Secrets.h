@@ -14,9 +14,11 @@ struct Secrets {
     std::set<std::string> texts;
     std::set<std::uint64_t> addresses;
     std::set<std::string> longNames; // of 16 bytes
+    std::set<std::string> words;     // likewise texts, but meant only where they stand alone
 
     // Texts that say nothing ("N/A", "0000") and numbers that name nothing in the world are not taken.
     void addText(std::string_view text);
+    void addHostName(std::string_view name); // whole, and without its domain
     void addAddress(std::uint64_t address);
     void addLongName(std::string_view bytes);
 

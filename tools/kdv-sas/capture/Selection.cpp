@@ -27,19 +27,20 @@ const std::set<std::string_view>& attributes()
     static const std::set<std::string_view> names{
         // Adapters.
         "active_mode", "aic_revision", "bios_build", "bios_version", "board_assembly", "board_name", "board_tracer",
-        "can_queue", "cmd_per_lun", "driver_version", "firmware_version", "fw_version", "host_busy", "host_sas_address",
-        "interface_rev", "ioc_reset_count", "isci_id", "lockup_detected", "model", "nr_hw_queues", "pcba_sn",
-        "proc_name", "product_family", "prot_capabilities", "reply_queue_count", "sas_spec_support", "serial_number",
-        "sg_tablesize", "state", "supported_mode", "transport_mode", "unique_id", "vendor", "version_bios",
-        "version_fw", "version_mpi", "version_nvdata_default", "version_nvdata_persistent", "version_product",
+        "can_queue", "cmd_per_lun", "driver_version", "firmware_revision", "firmware_version", "fw_version",
+        "host_busy", "host_sas_address", "interface_rev", "ioc_reset_count", "isci_id", "lockup_detected", "model",
+        "nr_hw_queues", "pcba_sn", "proc_name", "product_family", "prot_capabilities", "reply_queue_count",
+        "sas_spec_support", "serial_number", "sg_tablesize", "state", "supported_mode", "transport_mode", "unique_id",
+        "vendor", "version_bios", "version_fw", "version_mpi", "version_nvdata_default", "version_nvdata_persistent",
+        "version_product",
         // SCSI devices.
         "access_state", "dh_state", "inquiry", "iodone_cnt", "ioerr_cnt", "iorequest_cnt", "iotmo_cnt", "lunid",
         "path_info", "queue_depth", "queue_type", "raid_level", "rev", "sas_address", "sas_device_handle",
         "sas_ncq_prio_enable", "scsi_level", "ssd_smart_path_enabled", "timeout", "type", "wwid",
         // Their block devices.
-        "FUA", "cache_type", "dev", "hidden", "hw_sector_size", "logical_block_size", "partition",
-        "physical_block_size", "protection_type", "provisioning_mode", "removable", "ro", "rotational", "size", "start",
-        "write_cache", "zoned",
+        "FUA", "hp_ssd_smart_path_enabled", "cache_type", "dev", "hidden", "hw_sector_size", "logical_block_size",
+        "partition", "physical_block_size", "protection_type", "provisioning_mode", "removable", "ro", "rotational",
+        "size", "start", "write_cache", "zoned",
         // The SAS transport.
         "component_id", "component_revision_id", "component_vendor_id", "device_type", "enable",
         "initiator_port_protocols", "invalid_dword_count", "level", "loss_of_dword_sync_count", "maximum_linkrate",
@@ -61,7 +62,7 @@ const std::set<std::string_view>& attributes()
 const std::vector<std::string>& linkFolders()
 {
     static const std::vector<std::string> folders = [] {
-        std::vector<std::string> made{"block", "bus/scsi/devices"};
+        std::vector<std::string> made{"block", "class/block", "bus/scsi/devices"};
         for (const std::string_view name : classFolders) {
             if (name != "block") made.push_back("class/" + std::string(name));
         }

@@ -115,14 +115,31 @@ std::string drawText(const std::string& text, const std::string& known, const st
     return drawn;
 }
 
-void drawTexts(const Secrets& secrets, const Random& random, Substitutes& to)
+// Which letters are of which kind; texts that agree in that keep their order.
+std::string shapeOf(const std::string& text)
 {
-    std::vector<std::string> shortFirst(secrets.texts.begin(), secrets.texts.end());
-    std::stable_sort(shortFirst.begin(), shortFirst.end(),
-                     [](const std::string& left, const std::string& right) { return left.size() < right.size(); });
-    std::set<std::string> taken(secrets.texts);
-    ByteReplacer known(to);
-    for (const std::string& text : shortFirst) {
+    std::string shape = text;
+    for (char& letter : shape) {
+        const auto code = static_cast<unsigned char>(letter);
+        letter = static_cast<char>(std::isdigit(code)   ? '0'
+                                   : std::isupper(code) ? 'A'
+                                   : std::islower(code) ? 'a'
+                                                        : letter);
+    }
+    return shape;
+}
+
+struct Alike {
+    std::vector<std::string> originals, drawn;
+};
+
+// Texts of one length, of which none can have another one in it.
+std::map<std::string, std::string> drawAlike(const std::set<std::string>& texts, const ByteReplacer& known,
+                                             std::set<std::string>& taken, const Random& random)
+{
+    std::map<std::string, std::string> result;
+    std::map<std::string, Alike> groups;
+    for (const std::string& text : texts) {
         std::vector<bool> kept;
         const std::string inner = known.replaced(text, &kept);
         std::string drawn = inner;
@@ -131,8 +148,39 @@ void drawTexts(const Secrets& secrets, const Random& random, Substitutes& to)
             if (taken.count(drawn) == 0) break;
         }
         taken.insert(drawn);
-        to.texts.emplace(text, drawn);
-        known.addText(text, drawn);
+        if (std::find(kept.begin(), kept.end(), true) != kept.end()) {
+            result.emplace(text, drawn);
+            continue;
+        }
+        Alike& group = groups[shapeOf(text)];
+        group.originals.push_back(text);
+        group.drawn.push_back(drawn);
+    }
+    for (auto& [shape, group] : groups) {
+        std::sort(group.drawn.begin(), group.drawn.end());
+        for (std::size_t i = 0; i < group.originals.size(); ++i) // in order, since they come from a set
+            result.emplace(group.originals[i], group.drawn[i]);
+    }
+    return result;
+}
+
+// The short ones first, since they may stand in the long ones.
+void drawTexts(const Secrets& secrets, const Random& random, Substitutes& to)
+{
+    std::map<std::size_t, std::set<std::string>> byLength;
+    std::set<std::string> taken;
+    for (const std::set<std::string>* texts : {&secrets.texts, &secrets.words}) {
+        for (const std::string& text : *texts) {
+            byLength[text.size()].insert(text);
+            taken.insert(text);
+        }
+    }
+    ByteReplacer known(to);
+    for (const auto& [length, texts] : byLength) {
+        for (const auto& [text, drawn] : drawAlike(texts, known, taken, random)) {
+            (secrets.texts.count(text) != 0 ? to.texts : to.words).emplace(text, drawn);
+            if (secrets.texts.count(text) != 0) known.addText(text, drawn);
+        }
     }
 }
 
@@ -150,6 +198,13 @@ std::uint64_t frontOf(const std::string& name)
     for (std::size_t at = 0; at < 8; ++at)
         value = value << 8 | static_cast<unsigned char>(name[at]);
     return value;
+}
+
+// Zeros where a short name stands in the field of a long one.
+std::string drawnEnd(const std::string& name, const Random& random)
+{
+    const std::string empty(8, '\0');
+    return name.compare(8, 8, empty) == 0 ? empty : bytesOf(random());
 }
 
 } // namespace
@@ -173,7 +228,7 @@ Substitutes drawSubstitutes(const Secrets& secrets, const Random& random)
         addresses.insert(frontOf(name)); // volumes of one adapter differ behind it
     drawn.addresses = drawAddresses(addresses, random);
     for (const std::string& name : secrets.longNames)
-        drawn.longNames[name] = bytesOf(drawn.addresses.at(frontOf(name))) + bytesOf(random());
+        drawn.longNames[name] = bytesOf(drawn.addresses.at(frontOf(name))) + drawnEnd(name, random);
     drawTexts(secrets, random, drawn);
     return drawn;
 }

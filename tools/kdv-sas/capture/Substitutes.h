@@ -23,6 +23,7 @@ struct Substitutes {
     std::map<std::uint64_t, std::uint64_t> addresses;
     std::map<std::string, std::string> longNames; // as bytes
     std::map<std::string, std::string> texts;
+    std::map<std::string, std::string> words; // only where they stand alone
 };
 
 Substitutes drawSubstitutes(const Secrets& secrets, const Random& random);

@@ -181,10 +181,12 @@ void TreeWalk::walk(const Folder& folder, const std::string& path, unsigned dept
     }
 }
 
+// The device of the host, of whatever bus, and the bridges above it.
 void TreeWalk::takeFunctions(const std::string& hostPath)
 {
-    for (std::string path = parentOf(hostPath); !path.empty(); path = parentOf(path)) {
-        if (!KDV::isPciFunction(lastOf(path))) continue;
+    const std::string device = parentOf(hostPath);
+    for (std::string path = device; !path.empty(); path = parentOf(path)) {
+        if (path != device && !KDV::isPciFunction(lastOf(path))) continue;
         const Folder folder = open(path);
         if (folder->get() < 0 || !take(path)) continue;
         for (const std::string& name : functionFiles()) {
