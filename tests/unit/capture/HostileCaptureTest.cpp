@@ -215,11 +215,14 @@ TEST_F(HostileCapture, MarksDevicesThatHangAndThoseThatMayNotBeAsked)
     const auto gate = std::make_shared<Gate>();
     settings.opener = std::make_shared<HangingOpener>(gate);
     settings.asking.deadline = std::chrono::milliseconds(300);
-    std::mutex lock;
-    std::vector<std::string> told;
-    settings.tell = [&](const std::string& text) {
-        const std::lock_guard<std::mutex> guard(lock);
-        told.push_back(text);
+    struct Told {
+        std::mutex lock;
+        std::vector<std::string> texts;
+    };
+    const auto told = std::make_shared<Told>();
+    settings.tell = [told](const std::string& text) {
+        const std::lock_guard<std::mutex> guard(told->lock);
+        told->texts.push_back(text);
     };
     const MachineCapture made = captureMachine(settings);
     gate->release();
@@ -230,9 +233,9 @@ TEST_F(HostileCapture, MarksDevicesThatHangAndThoseThatMayNotBeAsked)
     ASSERT_NE(find(made, "pages/0:0:1:0/ready"), nullptr);
     EXPECT_EQ(find(made, "pages/0:0:1:0/ready")->content, "denied\n");
     EXPECT_THAT(whyNot(made, "pages/0:0:1:0"), Contains("no permission to ask the device"));
-    const std::lock_guard<std::mutex> guard(lock);
-    EXPECT_THAT(told, Contains(HasSubstr("does not answer in time")));
-    EXPECT_THAT(told, Contains(HasSubstr("no permission to ask devices")));
+    const std::lock_guard<std::mutex> guard(told->lock);
+    EXPECT_THAT(told->texts, Contains(HasSubstr("does not answer in time")));
+    EXPECT_THAT(told->texts, Contains(HasSubstr("no permission to ask devices")));
 }
 
 TEST_F(HostileCapture, OfATreeThatIsNotThereIsEmpty)

@@ -20,7 +20,7 @@ struct CaptureSettings {
     KDV::AskingSettings asking;
     std::chrono::milliseconds patience = std::chrono::seconds(5); // for an attribute, and for looking at the whole tree
     PatientReader::Read read;                                     // empty: from the tree's files
-    std::function<void(const std::string&)> tell = [](const std::string&) {}; // any thread
+    std::function<void(const std::string&)> tell = [](const std::string&) {}; // any thread, and late ones afterwards
 };
 
 struct MachineCapture {
