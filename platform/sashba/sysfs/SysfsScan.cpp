@@ -13,22 +13,7 @@
 namespace KDV {
 namespace {
 
-constexpr std::size_t readAgainAtOnce = 64;
-
-// Directories of all SCSI devices, whichever of the two lists the tree has.
-std::set<std::string> devicePaths(const SysfsTree& tree)
-{
-    std::set<std::string> paths;
-    for (const char* folder : {"class/scsi_device", "bus/scsi/devices"}) {
-        for (const std::string& name : tree.names(folder)) {
-            if (!parseScsiAddress(name)) continue;
-            const std::string device = splitDevicePath(tree.target(std::string(folder) + "/" + name)).device;
-            if (!device.empty() && lastOf(device) == name) paths.insert(device);
-        }
-        if (!paths.empty()) break;
-    }
-    return paths;
-}
+constexpr std::size_t readAgainAtOnce = 64; // as many as a small machine has
 
 std::set<std::uint32_t> hostsOf(const LiveMachine& machine)
 {
@@ -38,69 +23,94 @@ std::set<std::uint32_t> hostsOf(const LiveMachine& machine)
     return hosts;
 }
 
+auto orderOf(const ScsiAddress& address)
+{
+    return std::tie(address.host, address.channel, address.target, address.lun);
+}
+
 } // namespace
 
-LiveMachine SysfsScan::scan()
+const LiveMachine& SysfsScan::scan()
 {
-    ++_scans;
-    LiveMachine machine;
-    machine.hbas = readHbas(_tree);
-    if (machine.hbas.empty()) {
-        _known.clear();
-        return machine;
+    _machine.hbas = readHbas(_tree);
+    if (_machine.hbas.empty()) {
+        _machine = LiveMachine();
+        _listed.clear();
+        return _machine;
     }
-    readDevices(machine);
-    readExpanders(machine);
-    readEnclosures(machine);
-    machine.arrays = readMdArrays(_tree);
-    return machine;
+    readDevices();
+    readExpanders();
+    readEnclosures();
+    _machine.arrays = readMdArrays(_tree);
+    return _machine;
 }
 
-void SysfsScan::readDevices(LiveMachine& machine)
+// The SCSI devices of the adapters, whichever of the two lists the tree has.
+std::vector<SysfsScan::Listed> SysfsScan::listDevices() const
 {
-    const std::set<std::uint32_t> hosts = hostsOf(machine);
-    std::vector<std::string> paths;
-    for (const std::string& path : devicePaths(_tree)) {
-        if (hosts.count(parseScsiAddress(lastOf(path))->host) != 0) paths.push_back(path);
+    const std::set<std::uint32_t> hosts = hostsOf(_machine);
+    std::vector<Listed> listed;
+    for (const std::string folder : {"class/scsi_device", "bus/scsi/devices"}) {
+        bool any = false;
+        for (const TreeEntry& entry : _tree.entries(folder)) {
+            const std::optional<ScsiAddress> address = parseScsiAddress(entry.name);
+            any = any || address;
+            if (address && hosts.count(address->host) != 0)
+                listed.push_back({*address, folder + "/" + entry.name, entry.identity});
+        }
+        if (any) break;
     }
-    auto turn = std::upper_bound(paths.begin(), paths.end(), _again);
-    std::set<std::string> again;
-    for (std::size_t i = 0; i < std::min(readAgainAtOnce, paths.size()); ++i) {
-        if (turn == paths.end()) turn = paths.begin();
-        again.insert(_again = *turn++);
-    }
-    for (const std::string& path : paths) {
-        if (const ScsiDevice* device = read(path, again.count(path) != 0)) machine.devices.push_back(*device);
-    }
-    for (auto known = _known.begin(); known != _known.end();)
-        known = known->second.scan == _scans ? std::next(known) : _known.erase(known);
-    std::sort(machine.devices.begin(), machine.devices.end(), [](const ScsiDevice& left, const ScsiDevice& right) {
-        const auto key = [](const ScsiDevice& device) {
-            return std::tie(device.address.host, device.address.channel, device.address.target, device.address.lun);
-        };
-        return key(left) < key(right);
-    });
+    std::sort(listed.begin(), listed.end(),
+              [](const Listed& left, const Listed& right) { return orderOf(left.address) < orderOf(right.address); });
+    return listed;
 }
 
-// A device that came anew at the path of another one is another device, by the identity of its directory.
-const ScsiDevice* SysfsScan::read(const std::string& path, bool again)
+// Both lists are in the order of addresses: those that were there go along with those that are there now.
+void SysfsScan::readDevices()
 {
-    const auto found = _known.find(path);
-    if (found != _known.end() && !again && _tree.identity(path) == found->second.device.identity) {
-        found->second.device.state = _tree.text(path + "/state");
-        found->second.scan = _scans;
-        return &found->second.device;
+    std::vector<Listed> listed = listDevices();
+    std::vector<Listed> keptListed;
+    std::vector<ScsiDevice> kept;
+    keptListed.reserve(listed.size());
+    kept.reserve(listed.size());
+    std::size_t known = 0;
+    const std::size_t again = _again < listed.size() ? _again : 0;
+    for (std::size_t i = 0; i < listed.size(); ++i) {
+        while (known < _listed.size() && orderOf(_listed[known].address) < orderOf(listed[i].address))
+            ++known;
+        const bool itsTurn = (i >= again ? i - again : i + listed.size() - again) < readAgainAtOnce;
+        if (!itsTurn && stillThere(known, listed[i])) {
+            kept.push_back(std::move(_machine.devices[known]));
+            kept.back().state = _tree.text(kept.back().path + "/state");
+        } else if (std::optional<ScsiDevice> device = readDevice(listed[i])) {
+            kept.push_back(std::move(*device));
+        } else {
+            continue;
+        }
+        keptListed.push_back(std::move(listed[i]));
     }
-    std::optional<ScsiDevice> device = readScsiDevice(_tree, path);
-    if (!device) return nullptr;
-    Known& known = _known[path];
-    known = {std::move(*device), _scans};
-    return &known.device;
+    _again = again + readAgainAtOnce;
+    _machine.devices = std::move(kept);
+    _listed = std::move(keptListed);
 }
 
-void SysfsScan::readExpanders(LiveMachine& machine) const
+// The kernel makes the link anew with every device, so another device has another link.
+bool SysfsScan::stillThere(std::size_t known, const Listed& listed) const
 {
-    const std::set<std::uint32_t> hosts = hostsOf(machine);
+    return known < _listed.size() && _listed[known].link == listed.link && _listed[known].identity == listed.identity;
+}
+
+std::optional<ScsiDevice> SysfsScan::readDevice(const Listed& listed) const
+{
+    const std::string path = splitDevicePath(_tree.target(listed.link)).device;
+    if (path.empty() || lastOf(path) != lastOf(listed.link)) return std::nullopt;
+    return readScsiDevice(_tree, path);
+}
+
+void SysfsScan::readExpanders()
+{
+    _machine.expanders.clear();
+    const std::set<std::uint32_t> hosts = hostsOf(_machine);
     for (const std::string& name : _tree.names("class/sas_expander")) {
         const std::string attributes = _tree.target("class/sas_expander/" + name);
         const DevicePath split = splitDevicePath(attributes);
@@ -115,12 +125,13 @@ void SysfsScan::readExpanders(LiveMachine& machine) const
         expander.revision = _tree.text(attributes + "/product_rev");
         expander.level = _tree.number(attributes + "/level").value_or(0);
         expander.sasAddress = _tree.number(expander.path + "/sas_device/" + name + "/sas_address").value_or(0);
-        machine.expanders.push_back(std::move(expander));
+        _machine.expanders.push_back(std::move(expander));
     }
 }
 
-void SysfsScan::readEnclosures(LiveMachine& machine) const
+void SysfsScan::readEnclosures()
 {
+    _machine.enclosures.clear();
     for (const std::string& name : _tree.names("class/enclosure")) {
         const std::string path = _tree.target("class/enclosure/" + name);
         const DevicePath split = splitDevicePath(path);
@@ -130,7 +141,7 @@ void SysfsScan::readEnclosures(LiveMachine& machine) const
         enclosure.device = split.device;
         enclosure.id = _tree.number(path + "/id").value_or(0);
         enclosure.components = _tree.number(path + "/components");
-        machine.enclosures.push_back(std::move(enclosure));
+        _machine.enclosures.push_back(std::move(enclosure));
     }
 }
 

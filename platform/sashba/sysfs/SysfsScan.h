@@ -7,8 +7,8 @@
 #include "sashba/sysfs/LiveMachine.h"
 #include "sashba/sysfs/SysfsTree.h"
 
-#include <map>
 #include <string>
+#include <vector>
 
 namespace KDV {
 
@@ -16,23 +16,27 @@ class SysfsScan {
 public:
     explicit SysfsScan(const SysfsTree& tree) : _tree(tree) {}
 
-    LiveMachine scan();
+    // The machine stays as it is until the next scan.
+    const LiveMachine& scan();
 
 private:
-    struct Known {
-        ScsiDevice device;
-        std::uint64_t scan = 0; // the last scan that found it
+    struct Listed { // an entry in the list of SCSI devices
+        ScsiAddress address;
+        std::string link; // to the device, or to its part in the class
+        std::uint64_t identity = 0;
     };
 
-    void readDevices(LiveMachine& machine);
-    const ScsiDevice* read(const std::string& path, bool again);
-    void readExpanders(LiveMachine& machine) const;
-    void readEnclosures(LiveMachine& machine) const;
+    std::vector<Listed> listDevices() const;
+    void readDevices();
+    bool stillThere(std::size_t known, const Listed& listed) const;
+    std::optional<ScsiDevice> readDevice(const Listed& listed) const;
+    void readExpanders();
+    void readEnclosures();
 
     const SysfsTree& _tree;
-    std::map<std::string, Known> _known;
-    std::string _again; // where the turn of reading again has come to
-    std::uint64_t _scans = 0;
+    LiveMachine _machine;
+    std::vector<Listed> _listed; // those of the devices of the machine, in the same order
+    std::size_t _again = 0;      // where the turn of reading again has come to
 };
 
 } // namespace KDV

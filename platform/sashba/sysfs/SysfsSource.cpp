@@ -46,7 +46,7 @@ SysfsSource::~SysfsSource() = default;
 
 void SysfsSource::load(RecordTree& tree)
 {
-    const LiveMachine live = _scan.scan();
+    const LiveMachine& live = _scan.scan();
     ask(live);
     if (_asking) _asking->waitForAll(_settings.firstAnswers);
     take(tree, live);
@@ -54,7 +54,7 @@ void SysfsSource::load(RecordTree& tree)
 
 void SysfsSource::refresh(RecordTree& tree)
 {
-    const LiveMachine live = _scan.scan();
+    const LiveMachine& live = _scan.scan();
     ask(live);
     take(tree, live);
 }

@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <dirent.h>
 #include <fcntl.h>
+#include <string_view>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <utility>
@@ -73,6 +74,12 @@ SysfsTree::SysfsTree(std::string root)
 {
 }
 
+SysfsTree::SysfsTree(const SysfsTree& whole, const std::string& path)
+    : _root(whole._root + "/" + path),
+      _rootFd(openat(whole._rootFd, path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC | O_NOFOLLOW))
+{
+}
+
 SysfsTree::~SysfsTree()
 {
     if (_rootFd >= 0) close(_rootFd);
@@ -104,20 +111,28 @@ std::string SysfsTree::text(const std::string& path) const
 
 std::optional<std::uint64_t> SysfsTree::number(const std::string& path) const { return wholeNumber(text(path)); }
 
-std::vector<std::string> SysfsTree::names(const std::string& path) const
+std::vector<TreeEntry> SysfsTree::entries(const std::string& path) const
 {
-    std::vector<std::string> found;
+    std::vector<TreeEntry> found;
     OpenFile folder(
         openat(_rootFd, path.empty() ? "." : path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC | O_NOFOLLOW));
     DIR* stream = folder ? fdopendir(folder.get()) : nullptr;
     if (!stream) return found;
     folder.release(); // now the stream's
     while (const dirent* entry = readdir(stream)) {
-        const std::string name = entry->d_name;
-        if (name != "." && name != "..") found.push_back(name);
+        const std::string_view name = entry->d_name;
+        if (name != "." && name != "..") found.push_back({std::string(name), entry->d_ino});
         if (found.size() == mostNames) break;
     }
     closedir(stream);
+    return found;
+}
+
+std::vector<std::string> SysfsTree::names(const std::string& path) const
+{
+    std::vector<std::string> found;
+    for (TreeEntry& entry : entries(path))
+        found.push_back(std::move(entry.name));
     std::sort(found.begin(), found.end(), naturalLess);
     return found;
 }
@@ -140,7 +155,8 @@ std::string SysfsTree::target(const std::string& path) const
 std::uint64_t SysfsTree::identity(const std::string& path) const
 {
     struct stat status {};
-    if (fstatat(_rootFd, path.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0 || !S_ISDIR(status.st_mode)) return 0;
+    const char* const place = path.empty() ? "." : path.c_str();
+    if (fstatat(_rootFd, place, &status, AT_SYMLINK_NOFOLLOW) != 0 || !S_ISDIR(status.st_mode)) return 0;
     return static_cast<std::uint64_t>(status.st_ino) * 2 + 1;
 }
 

@@ -12,12 +12,21 @@
 
 namespace KDV {
 
+struct TreeEntry {
+    std::string name;
+    std::uint64_t identity = 0; // tells a link from another one made later under the same name
+};
+
 class SysfsTree {
 public:
     explicit SysfsTree(std::string root);
     ~SysfsTree();
     SysfsTree(const SysfsTree&) = delete;
     SysfsTree& operator=(const SysfsTree&) = delete;
+
+    // A directory of a tree as a tree of its own, for reading much of it: it stays the one that it was when another
+    // one takes its place. Its links do not lead out of it.
+    SysfsTree(const SysfsTree& whole, const std::string& path);
 
     const std::string& root() const noexcept { return _root; }
 
@@ -28,13 +37,15 @@ public:
     std::string text(const std::string& path) const;
     std::optional<std::uint64_t> number(const std::string& path) const;
 
-    // The names in a directory in natural order, at most a few thousand of them.
+    // What is in a directory, at most a few thousand entries: in the order in which it is read, and the names in
+    // natural order.
+    std::vector<TreeEntry> entries(const std::string& path) const;
     std::vector<std::string> names(const std::string& path) const;
 
     // Where a link leads; the path itself for a directory; empty when it leads out of the tree or is neither.
     std::string target(const std::string& path) const;
 
-    // Tells a directory from another one made later at the same path; 0 when there is none.
+    // Tells a directory from another one made later at the same path; 0 when there is none. The root is "".
     std::uint64_t identity(const std::string& path) const;
 
 private:
