@@ -49,22 +49,26 @@ void writeNameSpaces(std::ostream& out, CimHost& host)
             << " associations\n";
 }
 
-// The classes that show what machine this is.
-void writeMachine(std::ostream& out, CimHost& host)
+// The classes that show what machine this is. False when there is a provider for adapters but no adapter.
+bool writeMachine(std::ostream& out, CimHost& host)
 {
     const std::pair<const char*, const char*> shown[] = {{"KDV_SASArraySystem", "array systems"},
                                                          {"KDV_SASStorageEnclosure", "enclosures"},
                                                          {"KDV_SASDiskDrive", "disks"},
                                                          {"KDV_SASStorageVolume", "volumes"}};
     const char* separator = "  serving ";
+    bool anyAdapter = true;
     for (const auto& nameSpace : host.repository().namespaces())
         for (const auto& [className, words] : shown) {
             const ClassInfo* classInfo = nameSpace->find(className);
             if (!classInfo || !host.providers().find(*classInfo)) continue;
-            out << separator << instancesOf(host, *classInfo) << ' ' << words;
+            const std::size_t count = instancesOf(host, *classInfo);
+            if (className == shown[0].first) anyAdapter = count > 0;
+            out << separator << count << ' ' << words;
             separator = ", ";
         }
     if (separator[0] == ',') out << '\n';
+    return anyAdapter;
 }
 
 } // namespace
@@ -81,11 +85,14 @@ void writeSummary(std::ostream& out, CimHost& host, const std::vector<Endpoint>&
     for (const Endpoint& endpoint : endpoints)
         out << "kdv-cimhost listens at http://" << hostPort(endpoint) << "/cimom\n";
     writeNameSpaces(out, host);
-    writeMachine(out, host);
+    const bool anyAdapter = writeMachine(out, host);
     if (const char* scenario = std::getenv("KDV_SAS_SCENARIO"); scenario && *scenario)
         out << "  scenario " << scenario << '\n';
+    else if (!anyAdapter)
+        out << "  no SAS adapter was found: is its driver loaded (ls /sys/class/scsi_host, lspci -k)? "
+               "KDV_SAS_SCENARIO chooses a scenario instead\n";
     else
-        out << "  no scenario chosen: this machine, if it has SAS adapters; KDV_SAS_SCENARIO names another\n";
+        out << "  no scenario chosen: the SAS adapters of this machine; KDV_SAS_SCENARIO names another\n";
     if (!endpoints.empty()) {
         const std::string url = "http://" + hostPort(endpoints.front()) + "/root/vnr";
         if (!alertStream.empty()) out << "  alerts: subscribe in interop, or follow " << alertStream << '\n';

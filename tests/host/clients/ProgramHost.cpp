@@ -18,7 +18,7 @@ const std::string program = KDV_BUILD_DIR "/bin/kdv-cimhost";
 const std::string scenario = KDV_SOURCE_DIR "/scenarios/default.json";
 
 // Starts a program; `output` becomes the reading end of a pipe from its outputs.
-pid_t start(const std::vector<std::string>& command, int& output)
+pid_t start(const std::vector<std::string>& command, int& output, const ProgramHost::Environment& environment = {})
 {
     std::array<int, 2> ends;
     if (::pipe2(ends.data(), O_CLOEXEC) != 0) throw std::runtime_error("pipe");
@@ -32,6 +32,8 @@ pid_t start(const std::vector<std::string>& command, int& output)
         ::dup2(ends[1], STDERR_FILENO);
         ::setenv("KDV_SAS_SCENARIO", scenario.c_str(), 1);
         ::setenv("KDV_LOG", "stderr", 1);
+        for (const auto& [name, value] : environment)
+            ::setenv(name.c_str(), value.c_str(), 1);
         ::execvp(arguments[0], arguments.data());
         ::_exit(127);
     }
@@ -60,14 +62,14 @@ bool readMore(int from, std::string& text)
 
 } // namespace
 
-ProgramHost::ProgramHost(const std::vector<std::string>& arguments)
+ProgramHost::ProgramHost(const std::vector<std::string>& arguments, const Environment& environment)
 {
     std::string folder = (std::filesystem::temp_directory_path() / "kdv-host-state-XXXXXX").string();
     if (!::mkdtemp(folder.data())) throw std::runtime_error("cannot make a temporary folder");
     _state = folder;
     std::vector<std::string> command{program, "--listen", "127.0.0.1:0", "--state-dir", _state};
     command.insert(command.end(), arguments.begin(), arguments.end());
-    _process = start(command, _output);
+    _process = start(command, _output, environment);
     while (_greeting.find("ends on SIGTERM") == _greeting.npos)
         if (!readMore(_output, _greeting)) throw std::runtime_error("kdv-cimhost did not start: " + _greeting);
     const std::string before = "http://127.0.0.1:";

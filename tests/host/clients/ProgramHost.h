@@ -5,13 +5,16 @@
 #include <cstdint>
 #include <string>
 #include <sys/types.h>
+#include <utility>
 #include <vector>
 
 namespace KDV::Host::Test {
 
 class ProgramHost {
 public:
-    explicit ProgramHost(const std::vector<std::string>& arguments = {});
+    using Environment = std::vector<std::pair<std::string, std::string>>;
+
+    explicit ProgramHost(const std::vector<std::string>& arguments = {}, const Environment& environment = {});
     ~ProgramHost();
     ProgramHost(const ProgramHost&) = delete;
     ProgramHost& operator=(const ProgramHost&) = delete;

@@ -141,6 +141,19 @@ TEST(Program, GreetsAndEndsCleanly)
     EXPECT_TRUE(contains(host.greeting(), "kdv-cimhost ended"));
 }
 
+TEST(Program, ServesAMachineWithoutSasHardwareAndSaysWhatToTry)
+{
+    ProgramHost program(
+        {}, {{"KDV_SAS_SCENARIO", ""}, {"KDV_SYSFS_ROOT", "/nonexistent/sys"}, {"KDV_CONFIG_DIR", "/nonexistent"}});
+    const std::string& greeting = program.greeting();
+    EXPECT_TRUE(contains(greeting, "serving 0 array systems")) << greeting;
+    EXPECT_TRUE(contains(greeting, "no SAS adapter was found: ")) << greeting;
+    EXPECT_TRUE(contains(greeting, "/sys/class/scsi_host")) << greeting;
+    EXPECT_TRUE(contains(greeting, "KDV_SAS_SCENARIO")) << greeting;
+    EXPECT_FALSE(contains(greeting, "rror")) << greeting;
+    EXPECT_EQ(program.terminate(), 0);
+}
+
 TEST(Program, SaysWhatIsWrongWithItsArguments)
 {
     const std::string program = KDV_BUILD_DIR "/bin/kdv-cimhost";
