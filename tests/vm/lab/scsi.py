@@ -40,28 +40,40 @@ class Unit:
     encloses = False
 
     def __post_init__(self):
-        self._hanging = False
-        self._held = []
+        self._hang_seconds = 0
+        self._held = []  # timers and answers, the oldest first
         self._lock = threading.Lock()
 
-    # A unit that hangs takes commands and answers none, until it is released.
+    # A unit that hangs keeps each command for a while. The emulator cannot abort what it has sent, so the guest's
+    # abort, which follows its own timeout, ends only when the command does: the while should be a little longer than
+    # that timeout, or the guest stops using the whole adapter.
 
-    def hang(self):
+    def hang(self, seconds):
         with self._lock:
-            self._hanging = True
+            self._hang_seconds = seconds
 
     def release(self):
         with self._lock:
-            self._hanging = False
+            self._hang_seconds = 0
             held, self._held = self._held, []
-        for answer in held:
+        for timer, answer in held:
+            timer.cancel()
             answer()
 
     def hold(self, answer):
+        """Whether the unit keeps a command; answer is called when it lets it go."""
         with self._lock:
-            if self._hanging:
-                self._held.append(answer)
-            return self._hanging
+            if self._hang_seconds:
+                self._held.append((threading.Timer(self._hang_seconds, self._let_go), answer))
+                self._held[-1][0].daemon = True
+                self._held[-1][0].start()
+            return bool(self._hang_seconds)
+
+    def _let_go(self):
+        with self._lock:
+            answer = self._held.pop(0)[1] if self._held else None
+        if answer:
+            answer()
 
     # Commands
 
@@ -146,8 +158,13 @@ class Disk(Unit):
     temperature: int = 30
     predicts_failure: bool = False
     not_ready: bool = False
+    sas_address: int = 0    # as its port has it; its name when none is given
 
     BLOCK = 512
+
+    def __post_init__(self):
+        super().__post_init__()
+        self.sas_address = self.sas_address or self.wwn
 
     def _execute_own(self, cdb, data):
         blocks = self.size // self.BLOCK

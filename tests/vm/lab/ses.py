@@ -110,10 +110,10 @@ class Enclosure(Unit):
             for _, name, elements, _ in self._types()))
 
     def _additional_status(self):
-        """Which SAS address is in which bay. The emulated adapter shows the name of a disk as its address."""
+        """Which SAS address is in which bay."""
         body = self.GENERATION
         for index, bay in enumerate(self.bays):
-            address = bay.disk.wwn if bay.disk else 0
+            address = bay.disk.sas_address if bay.disk else 0
             phy = bytes([0x10 if address else 0, 0, 0, 0x08 if address else 0]) + self.wwn.to_bytes(8, "big")
             phy += address.to_bytes(8, "big") + bytes([index]) + bytes(7)
             slot = bytes([0, index, 1, 0, 0, bay.number]) + phy
