@@ -23,7 +23,6 @@ constexpr std::uint32_t noDrive = 0xFFFFFFFF;
 constexpr std::uint32_t firstArrayNumber = 1000; // numbers of firmware volumes are lower
 
 namespace State {
-constexpr std::uint8_t unknown = 0;
 constexpr std::uint8_t ok = 2;
 constexpr std::uint8_t degraded = 3; // of the volume; redundancy lost
 constexpr std::uint8_t failed = 4;
