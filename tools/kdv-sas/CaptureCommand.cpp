@@ -5,25 +5,27 @@
 #include "capture/CaptureMachine.h"
 #include "capture/Description.h"
 #include "capture/SecretFinder.h"
-#include "sashba/sysfs/CapturedDevice.h"
-#include "sashba/sysfs/SgDevice.h"
+#include "sashba/sysfs/OpenLive.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <iostream>
+#include <stdexcept>
 #include <sys/utsname.h>
 #include <unistd.h>
 
 namespace KdvSas {
 namespace {
 
-bool isRunningMachine(const std::string& root) { return root.empty() || root == "/sys" || root == "/sys/"; }
-
 void tell(const std::string& text) { std::cerr << "kdv-sas: " + text + "\n"; }
 
 void tellResult(const MachineCapture& made, const CaptureOptions& options)
 {
-    tell(options.file + " holds " + std::to_string(made.captured.entries.size()) + " files of " +
-         std::to_string(made.adapters) + " SAS adapter(s)");
+    const auto files =
+        std::count_if(made.captured.entries.begin(), made.captured.entries.end(),
+                      [](const CapturedEntry& entry) { return entry.kind == CapturedEntry::Kind::File; });
+    tell(options.file + " holds " + std::to_string(files) + " files of " + std::to_string(made.adapters) +
+         " SAS adapter(s)");
     if (made.adapters == 0) tell("no SAS adapter was recognised, so all SCSI hosts were taken");
     if (!made.captured.unread.empty())
         tell(std::to_string(made.captured.unread.size()) + " things could not be read; capture.txt in it lists them");
@@ -36,13 +38,14 @@ void tellResult(const MachineCapture& made, const CaptureOptions& options)
 int runCapture(const CaptureOptions& options)
 {
     const char* set = std::getenv("KDV_SYSFS_ROOT");
-    const std::string root = set ? set : "";
+    const KDV::LivePlace place = KDV::livePlace(set ? set : "");
+    if (access((place.root + "/.").c_str(), R_OK | X_OK) != 0) throw std::runtime_error("no tree at " + place.root);
     utsname system{};
     uname(&system);
 
     CaptureSettings settings;
-    settings.root = isRunningMachine(root) ? "/sys" : root;
-    settings.opener = isRunningMachine(root) ? KDV::makeSgOpener() : KDV::makeCaptureOpener(root);
+    settings.root = place.root;
+    settings.opener = KDV::openerOf(place);
     settings.tell = tell;
     MachineCapture made = captureMachine(settings);
     if (!options.withSerialNumbers) {
@@ -53,10 +56,11 @@ int runCapture(const CaptureOptions& options)
     CaptureCircumstances circumstances;
     circumstances.program = "kdv-sas " KDV_VERSION;
     circumstances.kernel = std::string(system.sysname) + " " + system.release + " " + system.machine;
-    circumstances.ofCapture = !isRunningMachine(root);
+    circumstances.ofCapture = place.captured;
     circumstances.privileged = geteuid() == 0;
     circumstances.serialNumbers = options.withSerialNumbers;
-    made.captured.entries.push_back({CapturedEntry::Kind::File, "capture.txt", describeCapture(made, circumstances)});
+    const CapturedEntry description{CapturedEntry::Kind::File, "capture.txt", describeCapture(made, circumstances)};
+    made.captured.entries.insert(made.captured.entries.begin(), description);
     writeArchive(options.file, made.captured.entries);
     tellResult(made, options);
     return 0;

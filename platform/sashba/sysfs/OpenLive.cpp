@@ -26,20 +26,30 @@ std::string rootOf(const std::string& given)
 
 } // namespace
 
+LivePlace livePlace(const std::string& given)
+{
+    const bool captured = !given.empty() && given != "/sys" && given != "/sys/";
+    return {captured ? rootOf(given) : "/sys", captured};
+}
+
 // The device nodes of this machine are not those of a captured one's disks.
+std::unique_ptr<DeviceOpener> openerOf(const LivePlace& place)
+{
+    return place.captured ? makeCaptureOpener(place.root) : makeSgOpener();
+}
+
 std::unique_ptr<Source> openLiveMachine(const std::string& root, const SysfsSettings& settings,
                                         std::function<void(const std::string&)> reportError,
                                         std::function<void(const std::string&)> reportInfo)
 {
-    const bool captured = !root.empty() && root != "/sys" && root != "/sys/";
-    const std::string used = captured ? rootOf(root) : "/sys";
+    const LivePlace place = livePlace(root);
     SysfsSurroundings surroundings;
     surroundings.reportError = std::move(reportError);
     surroundings.reportInfo = std::move(reportInfo);
     surroundings.requestPass = requestPassIfPossible;
-    surroundings.opener = captured ? makeCaptureOpener(used) : makeSgOpener();
-    surroundings.listenToPlugs = !captured;
-    return std::make_unique<SysfsSource>(used, settings, std::move(surroundings));
+    surroundings.opener = openerOf(place);
+    surroundings.listenToPlugs = !place.captured;
+    return std::make_unique<SysfsSource>(place.root, settings, std::move(surroundings));
 }
 
 } // namespace KDV
