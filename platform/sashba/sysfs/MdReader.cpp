@@ -2,6 +2,7 @@
 
 #include "sashba/sysfs/DevicePath.h"
 
+#include <algorithm>
 #include <string_view>
 #include <utility>
 
@@ -57,6 +58,9 @@ std::optional<MdArray> readArray(const SysfsTree& tree, const std::string& name,
         if (entry.compare(0, 4, "dev-") == 0 && array.members.size() < mostMembers)
             array.members.push_back(readMember(tree, md + "/" + entry));
     }
+    std::stable_sort(array.members.begin(), array.members.end(), [](const MdMember& left, const MdMember& right) {
+        return left.slot.value_or(mostMembers) < right.slot.value_or(mostMembers);
+    });
     return array;
 }
 

@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <set>
 #include <tuple>
+#include <utility>
 
 namespace KDV {
 namespace {
@@ -50,19 +51,39 @@ std::vector<SysfsScan::Listed> SysfsScan::listDevices() const
 {
     const std::set<std::uint32_t> hosts = hostsOf(_machine);
     std::vector<Listed> listed;
+    bool any = false;
     for (const std::string folder : {"class/scsi_device", "bus/scsi/devices"}) {
-        bool any = false;
+        if (any) break;
         for (const TreeEntry& entry : _tree.entries(folder)) {
             const std::optional<ScsiAddress> address = parseScsiAddress(entry.name);
             any = any || address;
             if (address && hosts.count(address->host) != 0)
                 listed.push_back({*address, folder + "/" + entry.name, entry.identity});
         }
-        if (any) break;
     }
-    std::sort(listed.begin(), listed.end(),
-              [](const Listed& left, const Listed& right) { return orderOf(left.address) < orderOf(right.address); });
+    if (!any) listByParts(hosts, listed);
+    std::stable_sort(listed.begin(), listed.end(), [](const Listed& left, const Listed& right) {
+        return orderOf(left.address) < orderOf(right.address);
+    });
+    listed.erase(std::unique(listed.begin(), listed.end(),
+                             [](const Listed& left, const Listed& right) {
+                                 return orderOf(left.address) == orderOf(right.address);
+                             }),
+                 listed.end());
     return listed;
+}
+
+// A captured tree may have neither list, but lists of what belongs to devices.
+void SysfsScan::listByParts(const std::set<std::uint32_t>& hosts, std::vector<Listed>& listed) const
+{
+    for (const std::string folder : {"class/scsi_generic", "block", "class/block", "class/enclosure"}) {
+        for (const TreeEntry& entry : _tree.entries(folder)) {
+            const std::string link = folder + "/" + entry.name;
+            const std::optional<ScsiAddress> address =
+                parseScsiAddress(lastOf(splitDevicePath(_tree.target(link)).device));
+            if (address && hosts.count(address->host) != 0) listed.push_back({*address, link, entry.identity});
+        }
+    }
 }
 
 // Both lists are in the order of addresses: those that were there go along with those that are there now.
@@ -103,45 +124,68 @@ bool SysfsScan::stillThere(std::size_t known, const Listed& listed) const
 std::optional<ScsiDevice> SysfsScan::readDevice(const Listed& listed) const
 {
     const std::string path = splitDevicePath(_tree.target(listed.link)).device;
-    if (path.empty() || lastOf(path) != lastOf(listed.link)) return std::nullopt;
+    const std::optional<ScsiAddress> address = parseScsiAddress(lastOf(path));
+    if (!address || orderOf(*address) != orderOf(listed.address)) return std::nullopt;
     return readScsiDevice(_tree, path);
 }
 
+// Those of the class, and those that lead to devices, should the tree lack the class.
 void SysfsScan::readExpanders()
 {
     _machine.expanders.clear();
     const std::set<std::uint32_t> hosts = hostsOf(_machine);
-    for (const std::string& name : _tree.names("class/sas_expander")) {
-        const std::string attributes = _tree.target("class/sas_expander/" + name);
-        const DevicePath split = splitDevicePath(attributes);
+    std::set<std::string> seen;
+    const auto add = [&](const std::string& path) {
+        const DevicePath split = splitDevicePath(path);
         const std::optional<std::uint32_t> host = parseHostName(lastOf(split.host));
-        if (split.expander.empty() || !host || hosts.count(*host) == 0) continue;
-        LiveExpander expander;
-        expander.path = parentOf(parentOf(attributes));
-        expander.host = *host;
-        expander.hbaPort = split.hbaPort;
-        expander.vendor = _tree.text(attributes + "/vendor_id");
-        expander.model = _tree.text(attributes + "/product_id");
-        expander.revision = _tree.text(attributes + "/product_rev");
-        expander.level = _tree.number(attributes + "/level").value_or(0);
-        expander.sasAddress = _tree.number(expander.path + "/sas_device/" + name + "/sas_address").value_or(0);
-        _machine.expanders.push_back(std::move(expander));
-    }
+        if (split.expander != path || path.empty() || !host || hosts.count(*host) == 0 || !seen.insert(path).second)
+            return;
+        _machine.expanders.push_back(readExpander(path));
+        _machine.expanders.back().host = *host;
+        _machine.expanders.back().hbaPort = split.hbaPort;
+    };
+    for (const std::string& name : _tree.names("class/sas_expander"))
+        add(parentOf(parentOf(_tree.target("class/sas_expander/" + name))));
+    for (const ScsiDevice& device : _machine.devices)
+        add(device.expander);
+}
+
+LiveExpander SysfsScan::readExpander(const std::string& path) const
+{
+    const std::string name = lastOf(path);
+    const std::string attributes = path + "/sas_expander/" + name + "/";
+    LiveExpander expander;
+    expander.path = path;
+    expander.vendor = _tree.text(attributes + "vendor_id");
+    expander.model = _tree.text(attributes + "product_id");
+    expander.revision = _tree.text(attributes + "product_rev");
+    expander.level = _tree.number(attributes + "level").value_or(0);
+    expander.sasAddress = _tree.number(path + "/sas_device/" + name + "/sas_address").value_or(0);
+    return expander;
 }
 
 void SysfsScan::readEnclosures()
 {
     _machine.enclosures.clear();
-    for (const std::string& name : _tree.names("class/enclosure")) {
-        const std::string path = _tree.target("class/enclosure/" + name);
-        const DevicePath split = splitDevicePath(path);
-        if (path.empty() || split.device.empty()) continue;
+    const auto add = [this](const std::string& path, const std::string& device) {
+        if (path.empty() || device.empty()) return;
         LiveEnclosure enclosure;
         enclosure.path = path;
-        enclosure.device = split.device;
+        enclosure.device = device;
         enclosure.id = _tree.number(path + "/id").value_or(0);
         enclosure.components = _tree.number(path + "/components");
         _machine.enclosures.push_back(std::move(enclosure));
+    };
+    const std::vector<std::string> names = _tree.names("class/enclosure");
+    for (const std::string& name : names) {
+        const std::string path = _tree.target("class/enclosure/" + name);
+        add(path, splitDevicePath(path).device);
+    }
+    if (!names.empty()) return;
+    for (const ScsiDevice& device : _machine.devices) { // the tree may lack the class
+        if (device.type != ScsiDevice::enclosureServices) continue;
+        for (const std::string& name : _tree.names(device.path + "/enclosure"))
+            add(_tree.target(device.path + "/enclosure/" + name), device.path);
     }
 }
 

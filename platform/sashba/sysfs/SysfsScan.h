@@ -7,6 +7,9 @@
 #include "sashba/sysfs/LiveMachine.h"
 #include "sashba/sysfs/SysfsTree.h"
 
+#include <cstdint>
+#include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -27,10 +30,12 @@ private:
     };
 
     std::vector<Listed> listDevices() const;
+    void listByParts(const std::set<std::uint32_t>& hosts, std::vector<Listed>& listed) const;
     void readDevices();
     bool stillThere(std::size_t known, const Listed& listed) const;
     std::optional<ScsiDevice> readDevice(const Listed& listed) const;
     void readExpanders();
+    LiveExpander readExpander(const std::string& path) const;
     void readEnclosures();
 
     const SysfsTree& _tree;

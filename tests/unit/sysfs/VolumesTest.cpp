@@ -146,6 +146,18 @@ TEST_F(LiveArrays, PartitionsCountForTheirDisksOnceAndForeignDisksNotAtAll)
     EXPECT_EQ(+records.volumes()[0]->memberCount, 1U);
 }
 
+TEST_F(LiveArrays, MembersStandInTheOrderOfTheirPlaces)
+{
+    const std::string md = sysfs.addMd("md0", "raid5", 3);
+    sysfs.addMdMember(md, disks[1], "sdb", "2", "in_sync");
+    sysfs.addMdMember(md, disks[2], "sdc", "0", "in_sync");
+    sysfs.addMdMember(md, disks[3], "sdd", "1", "in_sync");
+    LiveRecords records(sysfs);
+    EXPECT_EQ(fieldsOf(*records.volumes().at(0)),
+              "logicalDriveNumber = 1000\nsize = 1024\nrebuildingDrive = 4294967295\nraidLevel = 5\nstatus = 2\n"
+              "osName = /dev/md0\nredundancyState = 2\nmemberCount = 3\nmembers = 2 3 1\n");
+}
+
 TEST_F(LiveArrays, AJournalAndADriveThatIsNotYetInAreNoSpares)
 {
     const std::string md = mirror();
