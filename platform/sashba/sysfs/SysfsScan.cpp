@@ -136,10 +136,10 @@ void SysfsScan::readExpanders()
     const std::set<std::uint32_t> hosts = hostsOf(_machine);
     std::set<std::string> seen;
     const auto add = [&](const std::string& path) {
+        if (path.empty() || !seen.insert(path).second) return; // hundreds of disks have one and the same
         const DevicePath split = splitDevicePath(path);
         const std::optional<std::uint32_t> host = parseHostName(lastOf(split.host));
-        if (split.expander != path || path.empty() || !host || hosts.count(*host) == 0 || !seen.insert(path).second)
-            return;
+        if (split.expander != path || !host || hosts.count(*host) == 0) return;
         _machine.expanders.push_back(readExpander(path));
         _machine.expanders.back().host = *host;
         _machine.expanders.back().hbaPort = split.hbaPort;
