@@ -186,6 +186,20 @@ std::uint64_t levelOf(const BoxPlan& box, const LiveMachine& machine)
     return level == std::numeric_limits<std::uint64_t>::max() ? 0 : level;
 }
 
+// By whatever it may be known first: when a box is plugged in, its expanders are there before its processor is, and the
+// processor before it has answered.
+std::vector<std::string> namesOf(const BoxPlan& box, const LiveMachine& machine)
+{
+    std::vector<std::string> names{box.key};
+    for (const std::uint64_t id : box.ids)
+        names.push_back("enclosure " + hex16(id));
+    for (const LiveExpander& expander : machine.expanders) {
+        if (expander.sasAddress != 0 && holds(box.expanders, expander.path))
+            names.push_back("expander " + hex16(expander.sasAddress));
+    }
+    return names;
+}
+
 } // namespace
 
 std::string askingKey(const ScsiDevice& device) { return device.path + '#' + std::to_string(device.identity); }
@@ -250,10 +264,11 @@ std::vector<BoxPlan> planBoxes(const LiveMachine& machine, const LiveHba& hba, c
         return left.level != right.level ? left.level < right.level : left.key < right.key;
     });
     std::vector<BoxPlan> numbered;
+    numbering.beginRound();
     for (const bool wished : {true, false}) { // who has a name of its own goes first
         for (BoxPlan& box : boxes) {
             if (box.wish.has_value() != wished) continue;
-            const std::optional<std::uint8_t> number = numbering.assign(box.key, box.wish);
+            const std::optional<std::uint8_t> number = numbering.assign(namesOf(box, machine), box.wish);
             box.number = number.value_or(std::uint8_t{0});
         }
     }

@@ -1,5 +1,7 @@
 #include "sashba/sysfs/Numbering.h"
 
+#include <algorithm>
+
 namespace KDV {
 namespace {
 
@@ -61,18 +63,38 @@ std::vector<std::optional<std::uint32_t>> DriveNumbering::assign(const std::vect
     return numbers;
 }
 
-std::optional<std::uint8_t> BoxNumbering::assign(const std::string& box, std::optional<std::uint8_t> wish)
+// A number that no name has any more is free again: two expanders turned out to be one box.
+bool BoxNumbering::isTaken(std::uint8_t number) const
 {
-    if (const auto known = _numbers.find(box); known != _numbers.end()) return known->second;
-    std::uint8_t number = wish.value_or(std::uint8_t{0});
-    if (number == 0 || _taken.count(number) != 0) {
+    return std::any_of(_numbers.begin(), _numbers.end(),
+                       [number](const auto& known) { return known.second == number; });
+}
+
+std::optional<std::uint8_t> BoxNumbering::assign(const std::vector<std::string>& names,
+                                                 std::optional<std::uint8_t> wish)
+{
+    std::uint8_t number = 0;
+    for (const std::string& name : names) {
+        const auto known = _numbers.find(name);
+        if (known == _numbers.end() || _given.count(known->second) != 0) continue;
+        if (number == 0 || known->second < number) number = known->second;
+    }
+    if (number == 0) number = wish.value_or(std::uint8_t{0});
+    const bool isNew = std::none_of(names.begin(), names.end(), [this, number](const std::string& name) {
+        const auto known = _numbers.find(name);
+        return known != _numbers.end() && known->second == number;
+    });
+    if (number == 0 || (isNew && isTaken(number))) {
         number = 1;
-        while (number < 255 && _taken.count(number) != 0)
+        while (number < 255 && isTaken(number))
             ++number;
     }
     if (number == 255) return std::nullopt;
-    _numbers.emplace(box, number);
-    _taken.insert(number);
+    for (const std::string& name : names) {
+        const auto known = _numbers.find(name);
+        if (known == _numbers.end() || _given.count(known->second) == 0) _numbers[name] = number;
+    }
+    _given.insert(number);
     return number;
 }
 

@@ -34,13 +34,19 @@ private:
 
 class BoxNumbering {
 public:
-    // A box keeps its number as long as the process lives. A new one gets the wished one if it is free, else the
-    // lowest free one. Nothing when all are taken.
-    std::optional<std::uint8_t> assign(const std::string& box, std::optional<std::uint8_t> wish);
+    // A box is known by several names (its enclosure's, those of its expanders), because what comes with it comes one
+    // after the other; it keeps the number that any of them had, as long as the process lives. A new one gets the
+    // wished number if it is free, else the lowest free one. Nothing when all are taken.
+    std::optional<std::uint8_t> assign(const std::vector<std::string>& names, std::optional<std::uint8_t> wish);
+
+    // Call before each round of assign(): in one round no two boxes have the same number, whatever their names say.
+    void beginRound() { _given.clear(); }
 
 private:
+    bool isTaken(std::uint8_t number) const;
+
     std::map<std::string, std::uint8_t> _numbers;
-    std::set<std::uint8_t> _taken;
+    std::set<std::uint8_t> _given; // in this round
 };
 
 constexpr std::uint32_t baysOfABox = 1000;

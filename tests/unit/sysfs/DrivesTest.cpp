@@ -251,13 +251,40 @@ TEST(DriveNumbering, HasNoNumberForAPlaceThatIsNone)
 TEST(BoxNumbering, KeepsNumbersAndFillsGapsAndEnds)
 {
     BoxNumbering numbering;
-    EXPECT_EQ(numbering.assign("a", std::uint8_t{2}), 2);
-    EXPECT_EQ(numbering.assign("b", std::nullopt), 1);
-    EXPECT_EQ(numbering.assign("c", std::uint8_t{2}), 3);
-    EXPECT_EQ(numbering.assign("a", std::uint8_t{9}), 2);
+    EXPECT_EQ(numbering.assign({"a"}, std::uint8_t{2}), 2);
+    EXPECT_EQ(numbering.assign({"b"}, std::nullopt), 1);
+    EXPECT_EQ(numbering.assign({"c"}, std::uint8_t{2}), 3);
+    numbering.beginRound();
+    EXPECT_EQ(numbering.assign({"a"}, std::uint8_t{9}), 2);
     for (int i = 4; i <= 254; ++i)
-        EXPECT_EQ(numbering.assign("box " + std::to_string(i), std::nullopt), i);
-    EXPECT_EQ(numbering.assign("one too many", std::nullopt), std::nullopt);
+        EXPECT_EQ(numbering.assign({"box " + std::to_string(i)}, std::nullopt), i);
+    EXPECT_EQ(numbering.assign({"one too many"}, std::nullopt), std::nullopt);
+}
+
+TEST(BoxNumbering, KnowsABoxByAnyOfItsNames)
+{
+    BoxNumbering numbering;
+    EXPECT_EQ(numbering.assign({"expander 1"}, std::nullopt), 1);
+    EXPECT_EQ(numbering.assign({"expander 2"}, std::nullopt), 2);
+    EXPECT_EQ(numbering.assign({"expander 3"}, std::nullopt), 3);
+    numbering.beginRound(); // 1 and 3 turn out to be one box
+    EXPECT_EQ(numbering.assign({"enclosure A", "expander 1", "expander 3"}, std::nullopt), 1);
+    EXPECT_EQ(numbering.assign({"expander 2"}, std::nullopt), 2);
+    EXPECT_EQ(numbering.assign({"expander 4"}, std::nullopt), 3) << "nobody has the number any more";
+    numbering.beginRound(); // it comes back in another order, under a name more
+    EXPECT_EQ(numbering.assign({"expander 3"}, std::nullopt), 1);
+    numbering.beginRound();
+    EXPECT_EQ(numbering.assign({"enclosure B", "enclosure A"}, std::nullopt), 1);
+}
+
+TEST(BoxNumbering, TellsBoxesApartThatHaveTheSameName)
+{
+    BoxNumbering numbering;
+    for (int round = 0; round < 2; ++round) {
+        numbering.beginRound();
+        EXPECT_EQ(numbering.assign({"processor 1", "enclosure 5000"}, std::nullopt), 1) << round;
+        EXPECT_EQ(numbering.assign({"processor 2", "enclosure 5000"}, std::nullopt), 2) << round;
+    }
 }
 
 } // namespace
