@@ -70,8 +70,8 @@ void readTransport(const SysfsTree& tree, const SysfsTree& own, const DevicePath
         const std::string protocols = sas.text("target_port_protocols");
         if (protocols.find("ssp") != std::string::npos)
             device.transport = Transport::Sas;
-        else if (protocols.find("sata") != std::string::npos)
-            device.transport = Transport::Sata;
+        else if (protocols.find("sata") != std::string::npos || protocols.find("stp") != std::string::npos)
+            device.transport = Transport::Sata; // some drivers name the tunnel instead of what is in it
     }
     if (device.sasAddress == 0)
         device.sasAddress = own.number("sas_address").value_or(0); // smartpqi: on the disk itself

@@ -305,6 +305,25 @@ TEST(LiveAdapters, KeepWhatTellsThemApartWhenTheirModelIsLong)
     EXPECT_EQ(textOf(LiveRecords(sysfs).hba().name), std::string(75, 'M') + " SP91542000");
 }
 
+TEST(LiveAdapters, TellTheInterfaceOfADriveByItsProtocols)
+{
+    struct {
+        const char *protocols, *vendor;
+        int interface;
+    } const cases[] = {{"ssp", "ACME", 2}, {"smp, ssp", "ACME", 2}, {"sata", "ATA", 1}, {"stp", "ACME", 1},
+                       {"none", "ATA", 1}, {"none", "ACME", 0},     {"", "ACME", 0}};
+    for (const auto& one : cases) {
+        FakeSysfs sysfs;
+        FakeDisk disk;
+        disk.protocols = one.protocols;
+        disk.vendor = one.vendor;
+        disk.parent = "port-0:0";
+        disk.endDevice = "end_device-0:0";
+        sysfs.addDisk(sysfs.addHba({}), disk);
+        EXPECT_EQ(LiveRecords(sysfs).drives().at(0)->interface, one.interface) << one.protocols << " " << one.vendor;
+    }
+}
+
 TEST(LiveAdapters, HostStatesBecomeStatuses)
 {
     struct {
