@@ -16,7 +16,8 @@ class Shelf:
     """An enclosure with six bays, three disks in it and one that waits in the cupboard."""
 
     def __init__(self):
-        self.spindle = Disk("ACME", "SPINDLE 1200", "TT31", "SP0001", 0x5000A72000000010, 1200243695616, 10500, hours=21)
+        self.spindle = Disk("ACME", "SPINDLE 1200", "TT31", "SP0001", 0x5000A72000000010, 1200243695616, 10500,
+                            hours=21)
         self.flash = Disk("GLOBEX", "FLASH 960", "GXA0", "FL0002", 0x5000A72000000020, 960197124096, 1, hours=5012,
                           endurance_used=7)
         self.third = Disk("ACME", "SPINDLE 600", "0803", "SP0003", 0x5000A72000000030, 600127266816, 15000, hours=9)
@@ -53,7 +54,7 @@ class DisksInAShelf(MachineCase):
         cls.shelf = Shelf()
         cls.addClassCleanup(cls.shelf.target.stop)
         machine = ProviderMachine("shelf", devices=cls.shelf.devices(), modules=["ses", "mptsas"],
-                                  files={"/etc/passwd": b"root::0:0::/root:/bin/sh\nnobody::65534:65534::/tmp:/bin/sh\n",
+                                  files={"/etc/passwd": b"root::0:0::/:/bin/sh\nnobody::65534:65534::/:/bin/sh\n",
                                          "/etc/group": b"root::0:\nnobody::65534:\n"})
         machine.boot()
         cls.machine = machine
@@ -64,8 +65,8 @@ class DisksInAShelf(MachineCase):
 
     @classmethod
     def wait_for_devices(cls, disks):
-        cls.machine.run(f"while [ $(ls /sys/block | grep -c ^sd) -lt {disks} ] || ! ls -d /sys/class/enclosure/*/components;"
-                        " do usleep 100000; done >/dev/null 2>&1")
+        cls.machine.run(f"while [ $(ls /sys/block | grep -c ^sd) -lt {disks} ] || "
+                        "! ls -d /sys/class/enclosure/*/components; do usleep 100000; done >/dev/null 2>&1")
 
     def setUp(self):
         self.mark = self.machine.listener.mark()
@@ -75,6 +76,9 @@ class DisksInAShelf(MachineCase):
         for name, value in values.items():
             self.addCleanup(setattr, element, name, getattr(element, name))
             setattr(element, name, value)
+
+    def serials(self):
+        return {drive["DeviceID"] for drive in self.machine.instances("KDV_SASDiskDrive")}
 
     def drive(self, disk):
         return only(self.machine.instances("KDV_SASDiskDrive"), DeviceID=disk.serial)
@@ -103,7 +107,8 @@ class DisksInAShelf(MachineCase):
         self.assertEqual(self.sensors(), {"Fans": "OK", "Power supplies": "OK", "Temperature": "OK"})
 
     def test_the_disks_are_in_their_bays(self):
-        self.assertEqual({drive["DeviceID"]: drive["ElementName"] for drive in self.machine.instances("KDV_SASDiskDrive")},
+        drives = self.machine.instances("KDV_SASDiskDrive")
+        self.assertEqual({drive["DeviceID"]: drive["ElementName"] for drive in drives},
                          {disk.serial: self.shelf.place_of(disk) for disk in self.shelf.disks})
         self.assertEqual({disk["id"]: disk["box"] for disk in self.machine.status()["disks"]},
                          {disk.serial: "KDV_SASDriveCage-0-1" for disk in self.shelf.disks})
@@ -198,7 +203,7 @@ class DisksInAShelf(MachineCase):
         self.machine.qmp.command("device_del", id="unit2")
         bay.disk = None
         self.machine.run(f"echo 1 >/sys/block/{node}/device/delete")
-        _, seconds = wait_for("the old disk to go", lambda: old.serial not in str(self.machine.instances("KDV_SASDiskDrive")))
+        _, seconds = wait_for("the old disk to go", lambda: old.serial not in self.serials())
         self.measure("disk of a box pulled until its instance is gone", seconds)
         self.assertNotIn(old.serial, str(self.machine.instances("KDV_SASStorageExtent")))
 
@@ -207,7 +212,7 @@ class DisksInAShelf(MachineCase):
         self.machine.qmp.command("device_add", driver="scsi-generic", id="unit2", bus="hba0.0", drive="spare",
                                  **{"scsi-id": 2})
         self.machine.run("echo '- - -' >/sys/class/scsi_host/host0/scan")
-        _, seconds = wait_for("the new disk to come", lambda: new.serial in str(self.machine.instances("KDV_SASDiskDrive")))
+        _, seconds = wait_for("the new disk to come", lambda: new.serial in self.serials())
         self.measure("disk of a box inserted until its instance is there", seconds)
         self.alert(204, f'DeviceID="{new.serial}"', HWLogicalLocation="Port 2 Box 1 Bay 4")
         self.assert_fields(self.drive(new), ElementName="Port 2 Box 1 Bay 4", OperationalStatus=[DRIVE_PREDICTS])

@@ -78,7 +78,7 @@ class Listener:
             return len(self.alerts)
 
     def wait(self, event, element, mark=0, meanwhile=None, seconds=60):
-        """The first alert of that event about an element whose path has that text. meanwhile is called again and again."""
+        """The first alert of that event about an element whose path has that text; meanwhile is called again and again."""
         def found():
             if meanwhile:
                 meanwhile()

@@ -1,8 +1,7 @@
-"""An iSCSI target (RFC 7143) as small as one initiator needs: the emulator, which attaches each unit to an emulated adapter.
+"""An iSCSI target (RFC 7143) as small as one initiator needs: the emulator, which attaches each unit to its adapter.
 
-One session a connection, one connection a unit, no digests, no authentication, loopback only. Units may be changed while
-the target serves them. A unit that hangs keeps its commands; the connection goes on answering, as a link does whose
-disk has stopped.
+One session a connection, one connection a unit, no digests, no authentication, loopback only. Units may be changed
+while the target serves them.
 """
 import socketserver
 import struct
@@ -44,7 +43,6 @@ class _Session(socketserver.BaseRequestHandler):
         self._expected_command = 0
         self._most_data_in = 8192
         self._writes = {}
-        self._hanging = {}
 
     def handle(self):
         serve = {NOP: self._nop, COMMAND: self._command, TASK: self._task, LOGIN: self._login,
@@ -131,7 +129,7 @@ class _Session(socketserver.BaseRequestHandler):
             self._writes[head[16:20]] = _Write(head, data, expected)
             self._ask_for_data(self._writes[head[16:20]])
         else:
-            self._begin(head, data)
+            self._execute(head, data)
 
     def _ask_for_data(self, write):
         rest = min(write.expected - len(write.data), 262144)
@@ -145,26 +143,12 @@ class _Session(socketserver.BaseRequestHandler):
         write.data += data
         if len(write.data) >= write.expected:
             del self._writes[head[16:20]]
-            self._begin(write.head, bytes(write.data))
+            self._execute(write.head, bytes(write.data))
         elif head[1] & FINAL:
             self._ask_for_data(write)
 
-    def _begin(self, head, data):
+    def _execute(self, head, data):
         unit = self.server.units.get(head[9])
-        if unit and unit.hold(lambda: self._wake(head, data)):
-            self._hanging[head[16:20]] = True
-            return
-        self._execute(unit, head, data)
-
-    def _wake(self, head, data):
-        """Called from the thread of a test, when the unit works again."""
-        if self._hanging.pop(head[16:20], None):
-            try:
-                self._execute(self.server.units.get(head[9]), head, data)
-            except OSError:
-                pass  # the session has ended meanwhile
-
-    def _execute(self, unit, head, data):
         tag = head[16:20]
         expected = struct.unpack(">I", head[20:24])[0]
         sense = reply = b""
@@ -185,9 +169,7 @@ class _Session(socketserver.BaseRequestHandler):
                    data=struct.pack(">H", len(sense)) + sense if sense else b"", at44=struct.pack(">I", missing))
 
     def _task(self, head, _):
-        abort_one = head[1] & 0x7F == 1
-        for tag in [head[20:24]] if abort_one else list(self._hanging):
-            self._hanging.pop(tag, None)
+        """Commands end before anything else is received, so there is nothing to abort."""
         self._send(TASK_DONE, head[16:20])
 
 

@@ -171,7 +171,8 @@ class Machine:
                         raise ConnectionError("the guest closed the connection")
                     output += piece
         except OSError as error:
-            raise CommandFailed(f"machine {self.name} did not answer to: {script}\n{error}\n{self.console_tail()}") from None
+            raise CommandFailed(f"machine {self.name} did not answer to: {script}\n{error}\n"
+                                f"{self.console_tail()}") from None
         return int(end.group(1)), output[:len(output) - len(end.group(0))]
 
     def run(self, script, seconds=60):
@@ -179,7 +180,8 @@ class Machine:
         status, output = self.attempt(script, seconds)
         text = output.decode(errors="replace").strip()
         if status != 0:
-            raise CommandFailed(f"in machine {self.name} this ended with {status}: {script}\n{text}\n{self.console_tail()}")
+            raise CommandFailed(f"in machine {self.name} this ended with {status}: {script}\n{text}\n"
+                                f"{self.console_tail()}")
         return text
 
     def read(self, path):

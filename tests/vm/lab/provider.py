@@ -64,8 +64,8 @@ class ProviderMachine(Machine):
         if self.listener:
             self.listener.stop()
             self.listener = None
-        self.run("kill $(cat /tmp/cimhost.pid); while kill -0 $(cat /tmp/cimhost.pid) 2>/dev/null; do usleep 50000; done;"
-                 " rm -f /tmp/served; grep -q 'kdv-cimhost ended' /tmp/cimhost.out")
+        self.run("kill $(cat /tmp/cimhost.pid); while kill -0 $(cat /tmp/cimhost.pid) 2>/dev/null; do usleep 50000;"
+                 " done; rm -f /tmp/served; grep -q 'kdv-cimhost ended' /tmp/cimhost.out")
 
     def stop(self):
         if self.listener:
@@ -103,6 +103,11 @@ class ProviderMachine(Machine):
     def server_tail(self, lines=12):
         tail = self.log().splitlines()[-lines:]
         return "last lines of the provider's log:\n  " + "\n  ".join(tail)
+
+    def records(self):
+        """What the data library makes of the guest, in the form of a scenario, read without the server."""
+        self.run("/opt/kdv/bin/kdv-sas scenario /tmp/scenario.json", 120)
+        return json.loads(self.read("/tmp/scenario.json"))
 
     def capture(self, arguments=""):
         """What kdv-sas capture makes of this guest, as bytes of an archive."""

@@ -1,7 +1,6 @@
-"""SCSI disks (SPC-4, SBC-3) as a test wants them. Every fact is an attribute and may change while the disk is served."""
+"""SCSI disks (SPC-4, SBC-3) as a test wants them. Every fact is an attribute and may change while the target runs."""
 import dataclasses
 import struct
-import threading
 
 
 class CheckCondition(Exception):
@@ -38,44 +37,6 @@ class Unit:
 
     kind = 0x00
     encloses = False
-
-    def __post_init__(self):
-        self._hang_seconds = 0
-        self._held = []  # timers and answers, the oldest first
-        self._lock = threading.Lock()
-
-    # A unit that hangs keeps each command for a while. The emulator cannot abort what it has sent, so the guest's
-    # abort, which follows its own timeout, ends only when the command does: the while should be a little longer than
-    # that timeout, or the guest stops using the whole adapter.
-
-    def hang(self, seconds):
-        with self._lock:
-            self._hang_seconds = seconds
-
-    def release(self):
-        with self._lock:
-            self._hang_seconds = 0
-            held, self._held = self._held, []
-        for timer, answer in held:
-            timer.cancel()
-            answer()
-
-    def hold(self, answer):
-        """Whether the unit keeps a command; answer is called when it lets it go."""
-        with self._lock:
-            if self._hang_seconds:
-                self._held.append((threading.Timer(self._hang_seconds, self._let_go), answer))
-                self._held[-1][0].daemon = True
-                self._held[-1][0].start()
-            return bool(self._hang_seconds)
-
-    def _let_go(self):
-        with self._lock:
-            answer = self._held.pop(0)[1] if self._held else None
-        if answer:
-            answer()
-
-    # Commands
 
     def execute(self, cdb, data):
         serve = {0x00: self._test_unit_ready, 0x03: self._request_sense, 0x12: self._inquiry, 0x1A: self._mode_sense,
@@ -163,7 +124,6 @@ class Disk(Unit):
     BLOCK = 512
 
     def __post_init__(self):
-        super().__post_init__()
         self.sas_address = self.sas_address or self.wwn
 
     def _execute_own(self, cdb, data):

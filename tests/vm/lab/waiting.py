@@ -1,4 +1,4 @@
-"""Waiting for a condition. Emulated machines are slow and shared ones slower, so the patience is large and never a result."""
+"""Waiting for a condition. Emulated machines are slow and shared ones slower, so the patience is large."""
 import os
 import time
 
