@@ -11,11 +11,29 @@ namespace {
 
 constexpr std::size_t mostMembers = 4096;
 
-// Path of the SCSI device below a disk or a partition with this name.
+// Path of the SCSI device that a block device is, or is a part of, or is a way to: the device mapper stands between an
+// array and disks with two paths, or with encryption. A few looks are enough for those.
+std::string deviceBelow(const SysfsTree& tree, const std::string& block, int& looks)
+{
+    std::string device = splitDevicePath(block).device;
+    if (!device.empty() || lastOf(block).compare(0, 3, "dm-") != 0) return device;
+    for (const std::string& name : tree.names(block + "/slaves")) {
+        if (!device.empty() || --looks < 0) break;
+        device = deviceBelow(tree, tree.target(block + "/slaves/" + name), looks);
+    }
+    return device;
+}
+
+std::string deviceBelow(const SysfsTree& tree, const std::string& block)
+{
+    int looks = 16;
+    return deviceBelow(tree, block, looks);
+}
+
 std::string deviceNamed(const SysfsTree& tree, const std::string& block)
 {
     for (const char* list : {"class/block/", "block/"}) {
-        std::string device = splitDevicePath(tree.target(list + block)).device;
+        std::string device = deviceBelow(tree, tree.target(list + block));
         if (!device.empty()) return device;
     }
     return {};
@@ -27,7 +45,7 @@ MdMember readMember(const SysfsTree& tree, const std::string& folder)
     MdMember member;
     member.slot = tree.number(folder + "/slot");
     member.state = tree.text(folder + "/state");
-    member.device = splitDevicePath(tree.target(folder + "/block")).device; // of a disk or of a partition on it
+    member.device = deviceBelow(tree, tree.target(folder + "/block"));
     if (member.device.empty()) member.device = deviceNamed(tree, lastOf(folder).substr(4));
     return member;
 }

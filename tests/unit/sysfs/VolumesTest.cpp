@@ -146,6 +146,28 @@ TEST_F(LiveArrays, PartitionsCountForTheirDisksOnceAndForeignDisksNotAtAll)
     EXPECT_EQ(+records.volumes()[0]->memberCount, 1U);
 }
 
+TEST_F(LiveArrays, AreFoundThroughTheDeviceMapper)
+{
+    const std::string md = sysfs.addMd("md0", "raid1", 2);
+    for (const std::string n : {"0", "1"}) {
+        const std::string ways = "devices/virtual/block/dm-" + n;
+        sysfs.link(ways + "/slaves/sd" + (n == "0" ? "b" : "c"),
+                   disks[n == "0" ? 1 : 2] + "/block/sd" + (n == "0" ? "b" : "c"));
+        const std::string secret = "devices/virtual/block/dm-1" + n;
+        sysfs.link(secret + "/slaves/dm-" + n, ways);
+        sysfs.file(md + "/dev-dm-1" + n + "/slot", n);
+        sysfs.file(md + "/dev-dm-1" + n + "/state", "in_sync\n");
+        sysfs.link(md + "/dev-dm-1" + n + "/block", secret);
+    }
+    sysfs.link("devices/virtual/block/dm-9/slaves/dm-9", "devices/virtual/block/dm-9"); // a ring
+    sysfs.file(md + "/dev-dm-9/slot", "2");
+    sysfs.link(md + "/dev-dm-9/block", "devices/virtual/block/dm-9");
+    LiveRecords records(sysfs);
+    ASSERT_EQ(records.volumes().size(), 1U);
+    EXPECT_EQ(+records.volumes()[0]->memberCount, 2U);
+    EXPECT_EQ(usages(records), (std::vector<int>{4, 2, 2, 4}));
+}
+
 TEST_F(LiveArrays, MembersStandInTheOrderOfTheirPlaces)
 {
     const std::string md = sysfs.addMd("md0", "raid5", 3);
