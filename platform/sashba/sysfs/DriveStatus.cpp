@@ -23,11 +23,10 @@ bool anyAnswer(const DriveFacts& facts, bool (*matches)(const DeviceAnswer&))
     });
 }
 
-bool allAnswer(const DriveFacts& facts, Readiness readiness)
+bool isUnreachable(const DrivePathFacts& path)
 {
-    return std::all_of(facts.paths.begin(), facts.paths.end(), [readiness](const DrivePathFacts& path) {
-        return path.answer && !path.answer->hung && path.answer->readiness == readiness;
-    });
+    const bool noConnect = path.answer && !path.answer->hung && path.answer->readiness == Readiness::NoConnect;
+    return noConnect || isOffline(path.device->state);
 }
 
 bool usable(const DrivePathFacts& path) { return path.device->state == "running" && path.answer && !path.answer->hung; }
@@ -44,7 +43,7 @@ std::uint8_t driveStatus(const DriveFacts& facts)
         return usable(path) &&
                (path.answer->readiness == Readiness::Ready || path.answer->readiness == Readiness::Asleep);
     });
-    if (!answers && allAnswer(facts, Readiness::NoConnect)) return DriveStatus::noConnect;
+    if (std::all_of(facts.paths.begin(), facts.paths.end(), isUnreachable)) return DriveStatus::noConnect;
     if (!answers && anyAnswer(facts, [](const DeviceAnswer& a) { return a.readiness == Readiness::NotReady; }))
         return DriveStatus::notReady;
     if (boxSaysFailed(facts)) return DriveStatus::failedByBox;
