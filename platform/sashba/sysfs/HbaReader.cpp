@@ -39,6 +39,18 @@ std::string firstText(const SysfsTree& tree, const std::string& folder, std::ini
     return {};
 }
 
+// Boards whose serial number was never written have blanks, zeros or erased memory there.
+std::string serialOf(const SysfsTree& tree, const std::string& folder)
+{
+    for (const char* name : {"board_tracer", "serial_number", "pcba_sn"}) {
+        std::string text = tree.text(folder + name);
+        const bool says = text.find_first_not_of("0 ") != std::string::npos;
+        if (says && std::all_of(text.begin(), text.end(), [](char letter) { return letter >= ' ' && letter <= '~'; }))
+            return text;
+    }
+    return {};
+}
+
 // The number of the slot that holds the function or a bridge above it. The kernel gives a slot's address without the
 // function; slots of which the firmware only counts have the name "0", which says nothing.
 std::optional<std::uint8_t> slotOf(const SysfsTree& tree, const std::vector<std::string>& functions)
@@ -60,7 +72,8 @@ std::optional<std::uint8_t> slotOf(const SysfsTree& tree, const std::vector<std:
 // the oldest driver do.
 std::uint64_t addressOf(const SysfsTree& tree, const LiveHba& hba, const std::string& attributes)
 {
-    if (const auto own = tree.number(attributes + "host_sas_address")) return *own;
+    const std::uint64_t own = tree.number(attributes + "host_sas_address").value_or(0);
+    if (own != 0) return own;
     if (hba.driver == "mptsas") return 0;
     std::uint64_t lowest = 0;
     for (const std::string& name : tree.names(hba.path)) {
@@ -89,7 +102,7 @@ std::optional<LiveHba> readHba(const SysfsTree& tree, const std::string& list, c
         return std::nullopt;
     hba.pciAddress = lastOf(split.pciFunction);
     hba.model = firstText(tree, attributes, {"board_name", "model"});
-    hba.serial = firstText(tree, attributes, {"board_tracer", "serial_number", "pcba_sn"});
+    hba.serial = serialOf(tree, attributes);
     hba.firmware = firstText(tree, attributes, {"version_fw", "firmware_version", "fw_version", "firmware_revision"});
     hba.state = tree.text(attributes + "state");
     hba.slot = slotOf(tree, split.pciFunctions);

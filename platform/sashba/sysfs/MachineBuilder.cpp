@@ -10,20 +10,22 @@
 namespace KDV {
 namespace {
 
-// What tells it from every other adapter, also after it was moved or the machine started again where that can be had.
-std::string hbaIdentity(const LiveHba& hba)
+std::string hbaAddress(const LiveHba& hba)
 {
-    if (!hba.serial.empty()) return hba.serial;
-    if (hba.sasAddress != 0) return hex16(hba.sasAddress);
     if (!hba.pciAddress.empty()) return hba.pciAddress;
     const std::string device = parentOf(hba.path); // "devices/platform/HISI0162:01"
     return lastOf(parentOf(device)) == "platform" ? lastOf(device) : "host" + std::to_string(hba.host);
 }
 
-std::string hbaName(const LiveHba& hba)
+// Its serial number or SAS address tells an adapter from every other one, also after it was moved; where there is
+// neither, or two that ought to be different are not, its address in the machine does.
+std::string hbaName(const LiveHba& hba, bool withAddress)
 {
     constexpr std::size_t mostIdentity = 48;
-    const std::string identity = hbaIdentity(hba).substr(0, mostIdentity);
+    std::string identity = hba.serial.substr(0, mostIdentity);
+    if (identity.empty() && hba.sasAddress != 0) identity = hex16(hba.sasAddress);
+    if (identity.empty() || withAddress)
+        identity += (identity.empty() ? "" : " ") + hbaAddress(hba).substr(0, mostIdentity / 2);
     std::string name = hba.model.empty() ? hba.driver : hba.model;
     if (name.empty()) name = "SAS HBA";
     name.resize(std::min(name.size(), sizeof(SasHbaRecord::name) - 2 - identity.size())); // it must not push that out
@@ -45,7 +47,7 @@ void putHbaStatus(const LiveHba& hba, SasHbaRecord& image)
     }
 }
 
-SasHbaRecord hbaImage(const LiveHba& hba)
+SasHbaRecord hbaImage(const LiveHba& hba, const std::string& name)
 {
     constexpr std::uint8_t genericModel = 2;
     constexpr std::uint8_t unknownSlot = 255;
@@ -58,7 +60,7 @@ SasHbaRecord hbaImage(const LiveHba& hba)
     else if (!hba.pciAddress.empty())
         putText(image.logicalLocation, "PCI " + hba.pciAddress);
     putText(image.firmwareVersion, hba.firmware);
-    putText(image.name, hbaName(hba));
+    putText(image.name, name);
     putHbaStatus(hba, image);
     return image;
 }
@@ -115,6 +117,18 @@ bool isFirmwareVolume(const ScsiDevice& device, const LiveHba& hba)
     return !device.raidLevel.empty() && device.raidLevel != "N/A";
 }
 
+// Clients keep it as a key, so it stays when another adapter of the same name comes.
+const std::string& MachineBuilder::nameOf(const LiveHba& hba, const std::vector<LiveHba>& all)
+{
+    Numbers& numbers = _numbers[hba.host];
+    const std::string plain = hbaName(hba, false);
+    if (numbers.plainName == plain) return numbers.name;
+    const auto same = std::count_if(all.begin(), all.end(),
+                                    [&plain](const LiveHba& other) { return hbaName(other, false) == plain; });
+    numbers.plainName = plain;
+    return numbers.name = hbaName(hba, same > 1);
+}
+
 Machine MachineBuilder::build(const LiveMachine& live, const DeviceAnswers& answers)
 {
     Machine machine;
@@ -127,7 +141,7 @@ Machine MachineBuilder::build(const LiveMachine& live, const DeviceAnswers& answ
         machine.emplace_back();
         MachineHba& made = machine.back();
         made.hba.key.number = hba.host;
-        made.hba.image = hbaImage(hba);
+        made.hba.image = hbaImage(hba, nameOf(hba, live.hbas));
         const std::vector<BoxPlan> boxes = planBoxes(live, hba, answers, ports, numbers.boxes);
         for (const BoxPlan& box : boxes) {
             made.storageBoxes.emplace_back();

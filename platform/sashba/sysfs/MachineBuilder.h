@@ -11,6 +11,7 @@
 
 #include <cstdint>
 #include <map>
+#include <string>
 #include <vector>
 
 namespace KDV {
@@ -31,7 +32,10 @@ private:
     struct Numbers {
         DriveNumbering drives;
         BoxNumbering boxes;
+        std::string plainName, name; // of the adapter: with its address where the plain one was not unique
     };
+
+    const std::string& nameOf(const LiveHba& hba, const std::vector<LiveHba>& all);
 
     const SysfsTree& _tree;
     std::map<std::uint32_t, Numbers> _numbers; // by host
