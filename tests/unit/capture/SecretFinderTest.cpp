@@ -90,6 +90,13 @@ TEST(SecretsOf, EnclosurePagesAreIdentifiersAddressesAndWordsLikeNumbers)
     const Secrets additional = secretsIn(
         "pages/0:0:8:0/ses_0a", KDV::sesPage(0x0A, 0, KDV::sesSlotDescriptor(0, 3, 0x5000cca26128b1f5) + expander));
     EXPECT_THAT(additional.addresses, ElementsAre(0x5000cca26128b1f5, 0x500a09800000507f, 0x500a098000005080));
+
+    const std::string nvme = bytesOf({0x1B, 26, 0, 0, 1, 0x20, 0, 0}) + padded("S4YNNE0M123456", 20);
+    const std::string fibre =
+        bytesOf({0x10, 22, 0, 1, 1, 0, 0, 0}) + number64(0x5000c500aaaa0000) + std::string(8, '\0');
+    const Secrets others = secretsIn("pages/0:0:8:0/ses_0a", KDV::sesPage(0x0A, 0, nvme + fibre));
+    EXPECT_THAT(others.texts, ElementsAre("S4YNNE0M123456"));
+    EXPECT_THAT(others.addresses, testing::Contains(0x5000c500aaaa0000));
 }
 
 TEST(SecretsOf, SmartctlOutputAreSerialsAndNames)

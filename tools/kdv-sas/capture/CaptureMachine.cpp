@@ -19,6 +19,7 @@ namespace KdvSas {
 namespace {
 
 constexpr std::size_t mostFileBytes = 131072; // of an attribute; the largest pages have half of that
+constexpr int attributesOfAScan = 6;          // that may be slow, before something hangs
 constexpr std::chrono::minutes longestAsking{10};
 
 // Some attributes that a scan reads cost a command on some adapters, so that it may hang like any other reading.
@@ -105,7 +106,7 @@ MachineCapture captureMachine(const CaptureSettings& settings)
 {
     MachineCapture made;
     const auto tree = std::make_shared<const KDV::SysfsTree>(settings.root);
-    const std::optional<KDV::LiveMachine> live = scanInTime(tree, settings.patience);
+    const std::optional<KDV::LiveMachine> live = scanInTime(tree, settings.patience * attributesOfAScan);
     if (!live) made.captured.unread.push_back({"pages", "looking for the adapters took too long; no device was asked"});
     walkTree(settings, *tree, live, made.captured);
     if (!live) return made;

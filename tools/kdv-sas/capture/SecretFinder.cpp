@@ -99,7 +99,17 @@ void findInConfiguration(ByteView page, const CommonTexts& common, Secrets& secr
     }
 }
 
-void findInAdditionalStatus(ByteView page, Secrets& secrets)
+// Other protocols have names and serial numbers in fields of their own.
+void findInOtherProtocol(ByteView descriptor, const CommonTexts& common, Secrets& secrets)
+{
+    addWordsLikeNumbers(descriptor.chars(), 6, 3, common, secrets);
+    for (std::size_t at = 0; at + 8 <= descriptor.size(); ++at) {
+        const std::uint8_t kind = descriptor.u8(at) >> 4;
+        if (kind == 5 || kind == 2) secrets.addAddress(descriptor.u64(at));
+    }
+}
+
+void findInAdditionalStatus(ByteView page, const CommonTexts& common, Secrets& secrets)
 {
     constexpr std::size_t slotPhy = 28; // the attached address, then the own one
     constexpr std::size_t portPhy = 12; // likewise for initiators and targets: one address
@@ -107,7 +117,10 @@ void findInAdditionalStatus(ByteView page, Secrets& secrets)
         const ByteView whole = page.part(at, std::size_t{2} + page.u8(at + 1));
         const bool hasIndex = (whole.u8(0) & 0x10) != 0;
         const ByteView body = whole.from(hasIndex ? 4 : 2);
-        if ((whole.u8(0) & 0x0F) != 6) continue; // SAS
+        if ((whole.u8(0) & 0x0F) != 6) { // SAS
+            findInOtherProtocol(body, common, secrets);
+            continue;
+        }
         const ByteView list = body.from(hasIndex ? 4 : 2);
         const bool slot = body.u8(1) >> 6 == 0;
         if (!slot) secrets.addAddress(body.u64(4)); // of an expander
@@ -167,7 +180,7 @@ void findInPage(std::string_view name, std::string_view content, const CommonTex
     const ByteView bytes(content);
     if (name == "ses_01") findInConfiguration(bytes, common, secrets);
     if (name == "ses_07") addWordsLikeNumbers(content, 8, 5, common, secrets);
-    if (name == "ses_0a") findInAdditionalStatus(bytes, secrets);
+    if (name == "ses_0a") findInAdditionalStatus(bytes, common, secrets);
     if (name == "smartctl.json") findInSmartctl(content, secrets);
 }
 
