@@ -22,6 +22,10 @@ if(KDV_SANITIZE)
     endif()
 endif()
 
+if(KDV_FUZZ)
+    add_compile_options(-fsanitize=fuzzer-no-link) # the fuzzer must see the ways that it takes through the libraries
+endif()
+
 # Makes "<name>/..." of the current folder visible to whoever links the target.
 function(_kdv_expose target name scope)
     set(view "${CMAKE_BINARY_DIR}/include/${target}")
@@ -88,6 +92,27 @@ function(kdv_add_script_test name)
     cmake_parse_arguments(arg "" "TIMEOUT" "COMMAND;LABELS;ENVIRONMENT" ${ARGN})
     add_test(NAME ${name} COMMAND ${arg_COMMAND})
     _kdv_test_properties(${name} "${arg_LABELS}" "${arg_ENVIRONMENT}" "${arg_TIMEOUT}")
+endfunction()
+
+# kdv_add_fuzz(name SOURCE file CORPUS folders ... [LINKS ...]): everywhere a test <name>_corpus_test that plays the
+# corpus and fixed damages of it; where KDV_FUZZ is on also the libFuzzer program <name>_fuzz with a short run as a test.
+# Longer runs: build/fuzz/tests/<name>_fuzz -max_total_time=600 NEW-FOLDER CORPUS
+function(kdv_add_fuzz name)
+    cmake_parse_arguments(arg "" "SOURCE" "CORPUS;LINKS" ${ARGN})
+    kdv_add_test(${name}_corpus_test
+        SOURCES ${arg_SOURCE} "${CMAKE_SOURCE_DIR}/tests/fuzz/CorpusReplay.cpp"
+        LINKS ${arg_LINKS}
+        LABELS fuzz)
+    list(JOIN arg_CORPUS ":" folders)
+    target_compile_definitions(${name}_corpus_test PRIVATE KDV_CORPUS="${folders}")
+    if(KDV_FUZZ)
+        add_executable(${name}_fuzz ${arg_SOURCE})
+        target_link_options(${name}_fuzz PRIVATE -fsanitize=fuzzer)
+        target_link_libraries(${name}_fuzz PRIVATE kdv_options ${arg_LINKS})
+        set_target_properties(${name}_fuzz PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/tests")
+        add_test(NAME ${name}_fuzz COMMAND ${name}_fuzz -runs=20000 -seed=1 -max_len=4096 -timeout=20 ${arg_CORPUS})
+        set_tests_properties(${name}_fuzz PROPERTIES LABELS fuzz TIMEOUT 300)
+    endif()
 endfunction()
 
 function(_kdv_test_properties name labels environment timeout)

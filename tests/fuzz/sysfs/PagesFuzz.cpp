@@ -1,5 +1,7 @@
 // Any bytes as a page of a device. The first byte says which parsers get the rest; enclosure pages come as several
 // pages one after the other, each with two bytes of length before it. What comes back is held against its limits.
+#include "sashba/sysfs/DevicePath.h"
+#include "sashba/sysfs/DeviceText.h"
 #include "sashba/sysfs/PathInfo.h"
 #include "sashba/sysfs/ScsiPages.h"
 #include "sashba/sysfs/SesPages.h"
@@ -62,9 +64,28 @@ void enclosurePages(ByteView rest)
     require(state->status == 0 || (state->status >= 2 && state->status <= 4));
 }
 
+// Names in a tree: a path is taken apart, and the order of names is an order.
+void names(ByteView bytes)
+{
+    const std::string path(bytes.chars());
+    const DevicePath split = splitDevicePath(path);
+    for (const std::string* part : {&split.pciFunction, &split.host, &split.hbaPort, &split.expander, &split.device})
+        require(path.compare(0, part->size(), *part) == 0);
+    const std::string_view left = bytes.part(0, bytes.size() / 2).chars();
+    const std::string_view right = bytes.from(bytes.size() / 2).chars();
+    require(!naturalLess(left, left));
+    require(left == right || naturalLess(left, right) != naturalLess(right, left));
+    require(trimmed(left).size() <= left.size());
+    if (wholeNumber(left)) require(!left.empty());
+}
+
 void texts(ByteView bytes)
 {
-    if (const auto info = parsePathInfo(bytes.chars())) require(info->bay.has_value() && info->port.size() <= 8);
+    if (const auto info = parsePathInfo(bytes.chars())) {
+        require(!info->port.empty() || info->box || info->bay);
+        require(info->port.size() <= 8 && info->box.value_or(0) < 255 && info->bay.value_or(0) < 255);
+    }
+    names(bytes);
     const ReadyReply reply = judgeReply(bytes.u8(0), bytes.u8(1), bytes.from(2));
     require(!(reply.timedOut && reply.readiness == Readiness::Ready));
 }
