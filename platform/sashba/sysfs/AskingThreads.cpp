@@ -133,7 +133,7 @@ std::shared_ptr<Asked> AskingThreads::State::takeDue()
 
 void AskingThreads::State::finish(const std::shared_ptr<Asked>& asked, std::uint64_t ticket, DeviceAnswer answer)
 {
-    if (asked->ticket != ticket) return;
+    if (ending || asked->ticket != ticket) return; // who reports are made to may be gone
     if (asked->writtenOff) --writtenOff;
     asked->ticket = 0;
     asked->writtenOff = false;

@@ -1,12 +1,11 @@
 // The threads that ask: nothing is opened on the thread that refreshes, one device that hangs delays no other, and what
 // was learned is in the records at the next refresh.
+#include "FakeDevices.h"
 #include "LiveRecords.h"
 #include "PageBytes.h"
 
-#include <atomic>
 #include <condition_variable>
 #include <functional>
-#include <set>
 #include <thread>
 
 #include <gtest/gtest.h>
@@ -15,61 +14,6 @@ namespace KDV {
 namespace {
 
 using std::chrono::milliseconds;
-
-// Devices that answer at once, but for those that are told to hang until they are let go.
-struct FakeDevices {
-    std::mutex lock;
-    std::condition_variable changed;
-    std::set<std::string> hanging; // node
-    std::set<std::thread::id> openedOn;
-    std::size_t opened = 0;
-    ReadyReply reply{Readiness::Ready, false, false, false};
-    std::string smartctl;
-
-    void release()
-    {
-        const std::lock_guard<std::mutex> guard(lock);
-        hanging.clear();
-        changed.notify_all();
-    }
-};
-
-class FakeLink final : public DeviceLink {
-public:
-    FakeLink(std::shared_ptr<FakeDevices> devices, std::string node)
-        : _devices(std::move(devices)), _node(std::move(node))
-    {
-    }
-    ReadyReply testUnitReady() override
-    {
-        std::unique_lock<std::mutex> guard(_devices->lock);
-        _devices->changed.wait(guard, [this] { return _devices->hanging.count(_node) == 0; });
-        return _devices->reply;
-    }
-    std::string logPage(std::uint8_t) override { return {}; }
-    std::string enclosurePage(std::uint8_t) override { return {}; }
-    std::string smartctlOutput() override { return _devices->smartctl; }
-
-private:
-    std::shared_ptr<FakeDevices> _devices;
-    std::string _node;
-};
-
-class FakeOpener final : public DeviceOpener {
-public:
-    explicit FakeOpener(std::shared_ptr<FakeDevices> devices) : _devices(std::move(devices)) {}
-    std::unique_ptr<DeviceLink> open(const AskedDevice& device, milliseconds, ReadyReply&) override
-    {
-        const std::lock_guard<std::mutex> guard(_devices->lock);
-        _devices->openedOn.insert(std::this_thread::get_id());
-        ++_devices->opened;
-        _devices->changed.notify_all();
-        return std::make_unique<FakeLink>(_devices, device.node);
-    }
-
-private:
-    std::shared_ptr<FakeDevices> _devices;
-};
 
 std::string addDisks(FakeSysfs& sysfs, unsigned count)
 {
