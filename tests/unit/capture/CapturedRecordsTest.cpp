@@ -94,6 +94,9 @@ TEST_F(CapturedRecords, LeaveOutWhatIsNotBehindASasAdapter)
     EXPECT_FALSE(has("BOOTDISK42"));
     EXPECT_TRUE(has("sys/class/sas_expander/expander-0:0"));
     EXPECT_FALSE(has("sys/class/block/sdz"));
+    EXPECT_TRUE(has("sys/module/mpt3sas/version"));
+    EXPECT_TRUE(has("sys/devices/virtual/dmi/id/product_name"));
+    EXPECT_FALSE(has("product_serial"));
 }
 
 TEST_F(CapturedRecords, OfAMachineWithoutAnAdapterHaveAllHosts)

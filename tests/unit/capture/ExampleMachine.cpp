@@ -252,6 +252,9 @@ void buildExampleMachine(FakeSysfs& sysfs)
     addSata(sysfs, host);
     addDirect(sysfs, host);
     addSecondAdapter(sysfs);
+    sysfs.file("module/mpt3sas/version", "43.100.00.00\n");
+    sysfs.file("devices/virtual/dmi/id/product_name", "Rackline 200\n");
+    sysfs.file("devices/virtual/dmi/id/product_serial", "CZJ7340K1P\n");
     KDV::FakeHba other;
     other.host = 7;
     other.pci = "pci0000:00/0000:00:17.0/ata1";

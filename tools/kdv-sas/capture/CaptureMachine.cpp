@@ -54,8 +54,10 @@ void walkTree(const CaptureSettings& settings, const KDV::SysfsTree& tree, const
     TreeWalk walk(settings.root, reader, to);
     std::set<std::string> adapters;
     if (live) {
-        for (const KDV::LiveHba& hba : live->hbas)
+        for (const KDV::LiveHba& hba : live->hbas) {
             adapters.insert(hba.path);
+            walk.takeModule(hba.driver);
+        }
     }
     for (const std::string& adapter : adapters)
         walk.takeHost(adapter);
@@ -68,6 +70,7 @@ void walkTree(const CaptureSettings& settings, const KDV::SysfsTree& tree, const
             walk.takeHostAttributes(host);
     }
     takeArrays(tree, walk);
+    walk.takeMaker();
     walk.takePciSlots();
     walk.takeLists();
 }

@@ -102,4 +102,16 @@ const std::vector<std::string>& functionFiles()
     return names;
 }
 
+const std::vector<std::string>& moduleFiles()
+{
+    static const std::vector<std::string> names{"srcversion", "version"};
+    return names;
+}
+
+const std::vector<std::string>& makerFiles()
+{
+    static const std::vector<std::string> names{"bios_version", "product_name", "sys_vendor"};
+    return names;
+}
+
 } // namespace KdvSas

@@ -6,6 +6,7 @@
 #include "sashba/sysfs/SysfsTree.h"
 
 #include <algorithm>
+#include <cctype>
 #include <cerrno>
 #include <cstring>
 #include <dirent.h>
@@ -181,17 +182,24 @@ void TreeWalk::walk(const Folder& folder, const std::string& path, unsigned dept
     }
 }
 
+bool TreeWalk::takeFiles(const std::string& path, const std::vector<std::string>& names)
+{
+    const Folder folder = open(path);
+    if (folder->get() < 0 || !take(path)) return false;
+    for (const std::string& name : names) {
+        if (S_ISREG(modeOf(folder->get(), name))) takeFile(folder, below(path, name));
+    }
+    return true;
+}
+
 // The device of the host, of whatever bus, and the bridges above it.
 void TreeWalk::takeFunctions(const std::string& hostPath)
 {
     const std::string device = parentOf(hostPath);
     for (std::string path = device; !path.empty(); path = parentOf(path)) {
         if (path != device && !KDV::isPciFunction(lastOf(path))) continue;
+        if (!takeFiles(path, functionFiles())) continue;
         const Folder folder = open(path);
-        if (folder->get() < 0 || !take(path)) continue;
-        for (const std::string& name : functionFiles()) {
-            if (S_ISREG(modeOf(folder->get(), name))) takeFile(folder, below(path, name));
-        }
         if (S_ISLNK(modeOf(folder->get(), "driver"))) takeLink(folder, below(path, "driver"));
     }
 }
@@ -219,6 +227,21 @@ void TreeWalk::takePciSlots()
         const Folder slot = open(below(path, name));
         if (slot->get() >= 0 && take(below(path, name))) takeFile(slot, below(below(path, name), "address"));
     }
+}
+
+void TreeWalk::takeMaker()
+{
+    const std::string path = "devices/virtual/dmi/id";
+    if (S_ISDIR(modeOf(_root->get(), path))) takeFiles(path, makerFiles());
+}
+
+void TreeWalk::takeModule(const std::string& driver)
+{
+    const bool isName = !driver.empty() && std::all_of(driver.begin(), driver.end(), [](unsigned char letter) {
+        return std::isalnum(letter) != 0 || letter == '_' || letter == '-';
+    });
+    const std::string path = "module/" + driver;
+    if (isName && S_ISDIR(modeOf(_root->get(), path))) takeFiles(path, moduleFiles());
 }
 
 void TreeWalk::takeLists()

@@ -9,6 +9,7 @@
 #include <memory>
 #include <set>
 #include <string>
+#include <vector>
 
 namespace KdvSas {
 
@@ -26,6 +27,10 @@ public:
     void takeArray(const std::string& blockPath);
     void takePciSlots();
 
+    // Of the machine, and of the driver with this name.
+    void takeMaker();
+    void takeModule(const std::string& driver);
+
     // The links of the kernel's lists that lead to something taken. Call it last.
     void takeLists();
 
@@ -37,6 +42,7 @@ private:
     void walk(const Folder& folder, const std::string& path, unsigned depth);
     void takeFile(const Folder& folder, const std::string& path);
     void takeLink(const Folder& folder, const std::string& path);
+    bool takeFiles(const std::string& path, const std::vector<std::string>& names);
     void takeFunctions(const std::string& hostPath);
     void missing(const std::string& path, const std::string& why);
     bool full(const std::string& path);
