@@ -56,11 +56,30 @@ StoredRecord<Record>* takeElement(RecordStore<Record>& store, ElementKey hba, co
     return &stored;
 }
 
+// Who still holds the record of a part that is gone must not read that it is well. Drives are let go by all.
+void forgetHealth(SasPhysicalDriveRecord&) {}
+
+void forgetHealth(SasLogicalDriveRecord& volume)
+{
+    volume.status = 0;
+    volume.redundancyState = 0;
+}
+
+void forgetHealth(SasStorageBoxRecord& box)
+{
+    box.status = 0;
+    box.fanStatus = 0;
+    box.powerStatus = 0;
+    box.temperatureStatus = 0;
+}
+
 template <class Record>
 void unlinkUntaken(const std::vector<StoredRecord<Record>*>& list, std::uint64_t machineNumber)
 {
     for (StoredRecord<Record>* stored : list) {
-        if (stored->linked && stored->lastTakenBy != machineNumber) unlink(*stored);
+        if (!stored->linked || stored->lastTakenBy == machineNumber) continue;
+        unlink(*stored);
+        forgetHealth(*stored->record);
     }
 }
 

@@ -73,9 +73,10 @@ void SysfsSource::ask(const LiveMachine& live)
 
 void SysfsSource::take(RecordTree& tree, const LiveMachine& live)
 {
-    const Machine machine = _builder.build(live, _asking ? _asking->answers() : DeviceAnswers());
-    tree.take(machine);
+    Machine machine = _builder.build(live, _asking ? _asking->answers() : DeviceAnswers());
     reportHbas(machine);
+    _adapters.complete(machine);
+    tree.take(machine);
     if (_builder.wantsAnotherPass()) _surroundings.requestPass();
 }
 

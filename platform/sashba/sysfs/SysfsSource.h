@@ -4,6 +4,7 @@
 #pragma once
 
 #include "sashba/source/Source.h"
+#include "sashba/sysfs/AdapterMemory.h"
 #include "sashba/sysfs/AskingThreads.h"
 #include "sashba/sysfs/MachineBuilder.h"
 #include "sashba/sysfs/PlugEvents.h"
@@ -49,6 +50,7 @@ private:
     SysfsSurroundings _surroundings;
     SysfsScan _scan{*_sysfs};
     MachineBuilder _builder{*_sysfs};
+    AdapterMemory _adapters;
     std::unique_ptr<AskingThreads> _asking; // from the first adapter on
     std::unique_ptr<PlugEvents> _plugs;
     std::string _reported;
