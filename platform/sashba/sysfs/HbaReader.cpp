@@ -13,8 +13,8 @@ namespace KDV {
 namespace {
 
 // A host of another driver counts when it has the SAS transport.
-constexpr std::string_view sasDrivers[] = {"mpt3sas", "mpt2sas", "mptsas", "smartpqi", "hpsa",  "megaraid_sas",
-                                           "aic94xx", "isci",    "mvsas",  "pm80xx",   "pm8001"};
+constexpr std::string_view sasDrivers[] = {"mpt3sas", "mpt2sas", "mptsas", "smartpqi", "hpsa",   "megaraid_sas",
+                                           "aic94xx", "isci",    "mvsas",  "pm80xx",   "pm8001", "mpi3mr"};
 
 bool isSasDriver(const std::string& name)
 {

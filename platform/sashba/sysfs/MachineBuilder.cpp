@@ -137,35 +137,22 @@ Machine MachineBuilder::build(const LiveMachine& live, const DeviceAnswers& answ
     DrivesByPath byPath;
     PortNames ports(_tree);
     for (const LiveHba& hba : live.hbas) {
-        Numbers& numbers = _numbers[hba.host];
         machine.emplace_back();
         MachineHba& made = machine.back();
         made.hba.key.number = hba.host;
         made.hba.image = hbaImage(hba, nameOf(hba, live.hbas));
-        const std::vector<BoxPlan> boxes = planBoxes(live, hba, answers, ports, numbers.boxes);
+        const std::vector<BoxPlan> boxes = planBoxes(live, hba, answers, ports, _numbers[hba.host].boxes);
         for (const BoxPlan& box : boxes) {
             made.storageBoxes.emplace_back();
             made.storageBoxes.back().key.number = box.number;
             made.storageBoxes.back().image = boxImage(box, hba);
         }
-        std::vector<DrivePlan*> own;
-        std::vector<NumberWish> wishes;
-        for (DrivePlan& drive : drives) {
-            if (drive.host != hba.host) continue;
-            placeDrive(drive, boxes, ports);
-            own.push_back(&drive);
-            wishes.push_back({drive.identity, wishedNumber(drive, boxes)});
-        }
-        const auto given = numbers.drives.assign(wishes);
-        _wantsAnotherPass = _wantsAnotherPass || numbers.drives.waiting();
-        for (std::size_t i = 0; i < own.size(); ++i) {
-            own[i]->number = given[i];
-            if (!given[i]) continue;
+        for (const DrivePlan* drive : numberDrives(hba, boxes, drives, ports)) {
             made.physicalDrives.emplace_back();
-            made.physicalDrives.back().key.number = *given[i];
-            made.physicalDrives.back().image = driveImage(*own[i], boxes, answers);
-            for (const ScsiDevice* path : own[i]->paths)
-                byPath[path->path] = {hba.host, *given[i]};
+            made.physicalDrives.back().key.number = *drive->number;
+            made.physicalDrives.back().image = driveImage(*drive, boxes, answers);
+            for (const ScsiDevice* path : drive->paths)
+                byPath[path->path] = {hba.host, *drive->number};
         }
         std::sort(made.physicalDrives.begin(), made.physicalDrives.end(),
                   [](const auto& left, const auto& right) { return left.key.number < right.key.number; });
@@ -173,6 +160,29 @@ Machine MachineBuilder::build(const LiveMachine& live, const DeviceAnswers& answ
     for (std::size_t i = 0; i < machine.size(); ++i)
         addVolumes(live, live.hbas[i], byPath, answers, machine[i]);
     return machine;
+}
+
+// The drives of the HBA that have a number now.
+std::vector<const DrivePlan*> MachineBuilder::numberDrives(const LiveHba& hba, const std::vector<BoxPlan>& boxes,
+                                                           std::vector<DrivePlan>& drives, PortNames& ports)
+{
+    std::vector<DrivePlan*> own;
+    std::vector<NumberWish> wishes;
+    for (DrivePlan& drive : drives) {
+        if (drive.host != hba.host) continue;
+        placeDrive(drive, boxes, ports);
+        own.push_back(&drive);
+        wishes.push_back({drive.identity, wishedNumber(drive, boxes)});
+    }
+    DriveNumbering& numbering = _numbers[hba.host].drives;
+    const auto given = numbering.assign(wishes);
+    _wantsAnotherPass = _wantsAnotherPass || numbering.waiting();
+    std::vector<const DrivePlan*> numbered;
+    for (std::size_t i = 0; i < own.size(); ++i) {
+        own[i]->number = given[i];
+        if (given[i]) numbered.push_back(own[i]);
+    }
+    return numbered;
 }
 
 } // namespace KDV

@@ -5,6 +5,7 @@
 #include "sashba/Machine.h"
 #include "sashba/sysfs/BoxPlan.h"
 #include "sashba/sysfs/DeviceAnswer.h"
+#include "sashba/sysfs/DrivePlan.h"
 #include "sashba/sysfs/LiveMachine.h"
 #include "sashba/sysfs/Numbering.h"
 #include "sashba/sysfs/SysfsTree.h"
@@ -36,6 +37,8 @@ private:
     };
 
     const std::string& nameOf(const LiveHba& hba, const std::vector<LiveHba>& all);
+    std::vector<const DrivePlan*> numberDrives(const LiveHba& hba, const std::vector<BoxPlan>& boxes,
+                                               std::vector<DrivePlan>& drives, PortNames& ports);
 
     const SysfsTree& _tree;
     std::map<std::uint32_t, Numbers> _numbers; // by host

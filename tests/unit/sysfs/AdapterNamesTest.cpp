@@ -24,6 +24,7 @@ TEST(AdapterNames, HaveNameAndFirmwareFromWhatTheirDriverOffers)
          {{"board_name", "ZX 9207  "}, {"board_tracer", "   "}, {"host_sas_address", "0x500605b0000000f0"}},
          "ZX 9207 500605B0000000F0",
          ""},
+        {"mpi3mr", {{"version_fw", "8.0.0.61"}}, "mpi3mr 0000:01:00.0", "8.0.0.61"},
         {"hpsa", {{"firmware_revision", "8.32"}}, "hpsa 0000:01:00.0", "8.32"},
         {"megaraid_sas", {{"unique_id", "256"}}, "megaraid_sas 0000:01:00.0", ""},
     };
