@@ -3,6 +3,7 @@
 #include "capture/Description.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <condition_variable>
 #include <mutex>
@@ -102,6 +103,38 @@ TEST_F(HostileCapture, GoesOnWithoutAttributesThatDoNotAnswer)
     });
     EXPECT_EQ(rest, 1);
     gate->release();
+}
+
+TEST_F(HostileCapture, DoesNotWaitForEachOfManyDevicesThatHang)
+{
+    for (unsigned i = 1; i <= 40; ++i) {
+        KDV::FakeDisk other = disk;
+        other.address = "0:0:" + std::to_string(i) + ":0";
+        other.block = "sdx" + std::to_string(i);
+        other.parent = "port-0:" + std::to_string(i);
+        other.endDevice = "end_device-0:" + std::to_string(i);
+        other.bay = std::to_string(i);
+        machine.addDisk(host, other);
+    }
+    const auto gate = std::make_shared<Gate>();
+    const auto waited = std::make_shared<std::atomic<int>>(0);
+    settings.patience = std::chrono::milliseconds(200);
+    settings.read = [gate, waited](int folder, const std::string& name) {
+        if (name == "bay_identifier") {
+            ++*waited;
+            gate->wait();
+        }
+        return readFile(folder, name, 1000);
+    };
+    const MachineCapture made = captureMachine(settings);
+    gate->release();
+    EXPECT_LE(waited->load(), 8);
+    EXPECT_THAT(made.captured.unread, Contains(testing::Field(&Unread::why, HasSubstr("no more devices are asked"))));
+    const auto vendors =
+        std::count_if(made.captured.entries.begin(), made.captured.entries.end(), [](const auto& entry) {
+            return KDV::lastOf(entry.path) == "vendor" && entry.kind == CapturedEntry::Kind::File;
+        });
+    EXPECT_GE(vendors, 41 - 8) << "what the kernel knows without asking is there";
 }
 
 TEST_F(HostileCapture, ListsFilesThatVanishOrMayNotBeRead)

@@ -95,6 +95,13 @@ bool takesLink(std::string_view name)
     return true;
 }
 
+bool mayAskDevice(const std::string& path)
+{
+    const std::string name = KDV::lastOf(path);
+    if (name == "bay_identifier" || name == "enclosure_identifier") return true;
+    return path.find("/enclosure/") != std::string::npos || path.find("/raid_devices/") != std::string::npos;
+}
+
 const std::vector<std::string>& functionFiles()
 {
     static const std::vector<std::string> names{

@@ -17,6 +17,9 @@ bool takesFolder(const std::string& parentPath, std::string_view name);
 bool takesFile(std::string_view name);
 bool takesLink(std::string_view name);
 
+// For these the kernel may send a command to a device before it answers.
+bool mayAskDevice(const std::string& path);
+
 // Of the PCI functions above a host, of the driver's module, and of the machine as its maker calls it.
 const std::vector<std::string>& functionFiles();
 const std::vector<std::string>& moduleFiles();

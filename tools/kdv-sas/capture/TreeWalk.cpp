@@ -25,6 +25,8 @@ constexpr std::size_t mostEntries = 2000000;
 constexpr std::size_t mostBytes = std::size_t{512} << 20;
 constexpr std::size_t mostNames = 65536; // in one folder
 constexpr std::size_t mostLink = 4096;
+constexpr std::size_t manyLate = 8; // attributes, each after several seconds
+constexpr std::size_t mostLate = 32;
 
 std::vector<std::string> namesIn(int folder)
 {
@@ -86,6 +88,14 @@ std::string ledTo(const std::string& linkPath, const std::string& text)
     return at;
 }
 
+// The SCSI device, or what is between it and its adapter.
+std::string deviceOf(const std::string& path)
+{
+    const KDV::DevicePath split = KDV::splitDevicePath(path);
+    if (!split.device.empty()) return split.device;
+    return split.endDevice.empty() ? split.expander : split.endDevice;
+}
+
 std::string below(const std::string& path, const std::string& name) { return path.empty() ? name : path + "/" + name; }
 
 } // namespace
@@ -129,19 +139,32 @@ bool TreeWalk::full(const std::string& path)
     return true;
 }
 
+// Where many devices hang, waiting for each of them would take hours.
+bool TreeWalk::isGivenUp(const std::string& path)
+{
+    if (_silent.count(deviceOf(path)) != 0 || _late >= mostLate) return true;
+    return _late >= manyLate && mayAskDevice(path);
+}
+
+void TreeWalk::giveUp(const std::string& path)
+{
+    const std::string device = deviceOf(path);
+    if (!device.empty()) _silent.insert(device);
+    missing(path, device.empty() ? "does not answer in time"
+                                 : "does not answer in time; the rest of this device was not tried");
+    if (++_late == manyLate) missing(path, "so many do not answer that no more devices are asked for such attributes");
+    if (_late == mostLate) missing(path, "so many do not answer that nothing more was read");
+}
+
 void TreeWalk::takeFile(const Folder& folder, const std::string& path)
 {
-    if (full(path)) return;
-    const std::string device = KDV::splitDevicePath(path).device;
-    if (!device.empty() && _silent.count(device) != 0) return;
+    if (full(path) || isGivenUp(path)) return;
     FileRead got = _reader(folder, lastOf(path));
     switch (got.end) {
     case FileRead::End::Failed:
         return missing(path, wordsFor(got.error));
     case FileRead::End::Late:
-        if (!device.empty()) _silent.insert(device);
-        return missing(path, device.empty() ? "does not answer in time"
-                                            : "does not answer in time; the rest of this device was not tried");
+        return giveUp(path);
     case FileRead::End::Cut:
         missing(path, "only the first " + std::to_string(got.bytes.size()) + " bytes");
         break;

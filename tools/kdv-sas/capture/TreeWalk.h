@@ -41,6 +41,8 @@ private:
     bool take(const std::string& path); // true: not taken before
     void walk(const Folder& folder, const std::string& path, unsigned depth);
     void takeFile(const Folder& folder, const std::string& path);
+    bool isGivenUp(const std::string& path);
+    void giveUp(const std::string& path);
     void takeLink(const Folder& folder, const std::string& path);
     bool takeFiles(const std::string& path, const std::vector<std::string>& names);
     void takeFunctions(const std::string& hostPath);
@@ -51,7 +53,8 @@ private:
     PatientReader& _reader;
     Captured& _to;
     std::set<std::string> _folders; // taken
-    std::set<std::string> _silent;  // SCSI devices that did not answer
+    std::set<std::string> _silent;  // devices that did not answer
+    std::size_t _late = 0;          // attributes that did not
     std::size_t _bytes = 0;
     bool _fullReported = false;
 };
