@@ -37,6 +37,12 @@ class MirrorWithASpare(MachineCase):
         machine.wait_refreshing("all disks to be asked", lambda: machine.status()["health"] == "OK")
         return machine
 
+    @classmethod
+    def fail_slowly(cls, serial):
+        """A member fails, and the rebuilding goes at a pace at which it can be looked at."""
+        cls.machine.run("echo 200 >/sys/block/md0/md/sync_speed_max; echo 100 >/sys/block/md0/md/sync_speed_min; "
+                        f"mdadm /dev/md0 --fail {cls.node[serial]} 2>&1")
+
     def volume(self):
         volume, = self.machine.instances("KDV_SASStorageVolume")
         return volume
@@ -63,10 +69,8 @@ class MirrorWithASpare(MachineCase):
         self.assertEqual(self.uses(), {"MD0001": "member", "MD0002": "member", "MD0003": "spare",
                                        "MD0004": "unassigned"})
 
-        # Slow enough to be seen, a member fails.
         mark = self.machine.listener.mark()
-        self.machine.run("echo 200 >/sys/block/md0/md/sync_speed_max; echo 100 >/sys/block/md0/md/sync_speed_min; "
-                         f"mdadm /dev/md0 --fail {self.node['MD0002']} 2>&1")
+        self.fail_slowly("MD0002")
         begin = time.monotonic()
         alert = self.machine.listener.wait(103, VOLUME, mark)
         self.measure("member of a mirror failed until the alert is here, nobody asking", alert.received - begin)
