@@ -111,16 +111,23 @@ std::size_t boxByEnclosure(const ScsiDevice& disk, const std::vector<BoxPlan>& b
 
 // The number of the bay, from who knows it best: the enclosure class, the adapter, the box, the driver; at last the
 // wiring. A bay that the adapter gives without an enclosure is always 0 and means nothing.
-std::optional<std::uint64_t> bayOf(const ScsiDevice& disk, const BoxPlan& box)
+void findBay(const ScsiDevice& disk, const BoxPlan& box, BoxPlace& place)
 {
     const auto plausible = [](const std::optional<std::uint64_t>& bay) { return bay && *bay < baysOfABox; };
-    if (plausible(disk.slot)) return disk.slot;
-    if (disk.enclosureIdentifier != 0 && plausible(disk.bay)) return disk.bay;
     const SlotHealth* slot = slotHealthOf(disk, box);
-    if (slot) return slot->slot ? std::uint64_t{*slot->slot} : std::uint64_t{slot->order};
-    if (disk.pathInfo && plausible(disk.pathInfo->bay)) return disk.pathInfo->bay;
-    if (!disk.expander.empty() && plausible(disk.phy)) return disk.phy;
-    return std::nullopt;
+    if (plausible(disk.slot)) {
+        place.bay = disk.slot;
+        place.told = true;
+    } else if (disk.enclosureIdentifier != 0 && plausible(disk.bay)) {
+        place.bay = disk.bay;
+    } else if (slot) {
+        place.bay = slot->slot ? std::uint64_t{*slot->slot} : std::uint64_t{slot->order};
+        place.told = true;
+    } else if (disk.pathInfo && plausible(disk.pathInfo->bay)) {
+        place.bay = disk.pathInfo->bay;
+    } else if (!disk.expander.empty() && plausible(disk.phy)) {
+        place.bay = disk.phy;
+    }
 }
 
 // Large boxes have expanders inside that no processor sits behind; the box of their disks is theirs.
@@ -230,7 +237,10 @@ std::optional<BoxPlace> placeOf(const ScsiDevice& disk, const std::vector<BoxPla
     if (const std::optional<std::uint8_t> number = wishOf(disk); number && box == boxes.size())
         box = firstBox(boxes, [&number](const BoxPlan& plan) { return plan.wish == number; });
     if (box == boxes.size()) return std::nullopt;
-    return BoxPlace{box, bayOf(disk, boxes[box])};
+    BoxPlace place;
+    place.box = box;
+    findBay(disk, boxes[box], place);
+    return place;
 }
 
 const SlotHealth* slotHealthOf(const ScsiDevice& disk, const BoxPlan& box)

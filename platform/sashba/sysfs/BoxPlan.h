@@ -49,6 +49,7 @@ struct BoxPlan {
 struct BoxPlace {
     std::size_t box = 0;
     std::optional<std::uint64_t> bay;
+    bool told = false; // by the box; else the bay is the adapter's idea, or only the wiring
 };
 
 // In the order of port, level and identity; only boxes that got a number.

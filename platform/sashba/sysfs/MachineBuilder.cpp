@@ -172,7 +172,7 @@ std::vector<const DrivePlan*> MachineBuilder::numberDrives(const LiveHba& hba, c
         if (drive.host != hba.host) continue;
         placeDrive(drive, boxes, ports);
         own.push_back(&drive);
-        wishes.push_back({drive.identity, wishedNumber(drive, boxes)});
+        wishes.push_back({drive.identity, wishedNumber(drive, boxes), drive.place && drive.place->told});
     }
     DriveNumbering& numbering = _numbers[hba.host].drives;
     const auto given = numbering.assign(wishes);

@@ -29,24 +29,38 @@ std::optional<std::uint32_t> numberByPlace(std::uint8_t box, std::uint64_t bay)
     return box * baysOfABox + static_cast<std::uint32_t>(bay);
 }
 
+// Told a place that nobody has a number of, where the number that was given came from a guess.
+bool DriveNumbering::isBetter(const NumberWish& wish, const Given& given) const
+{
+    if (given.told || !wish.told || !wish.byPlace || *wish.byPlace == given.number) return false;
+    return std::none_of(_present.begin(), _present.end(),
+                        [&wish](const auto& entry) { return entry.second.number == *wish.byPlace; });
+}
+
 std::vector<std::optional<std::uint32_t>> DriveNumbering::assign(const std::vector<NumberWish>& wishes)
 {
     std::vector<std::optional<std::uint32_t>> numbers(wishes.size());
-    std::map<std::string, std::uint32_t> present;
+    std::map<std::string, Given> present;
     std::set<std::uint32_t> taken;
+    std::set<std::string> renumbered;
     for (std::size_t i = 0; i < wishes.size(); ++i) {
         const auto before = _present.find(wishes[i].identity);
-        if (before == _present.end() || !present.emplace(*before).second) continue;
-        numbers[i] = before->second;
-        taken.insert(before->second);
+        if (before == _present.end() || present.count(wishes[i].identity) != 0) continue;
+        if (isBetter(wishes[i], before->second)) {
+            renumbered.insert(wishes[i].identity);
+            continue;
+        }
+        numbers[i] = before->second.number;
+        present[wishes[i].identity] = {before->second.number, before->second.told || wishes[i].told};
+        taken.insert(before->second.number);
     }
     std::set<std::uint32_t> givenUp;
-    for (const auto& [identity, number] : _present) {
-        if (taken.count(number) == 0) givenUp.insert(number);
+    for (const auto& [identity, given] : _present) {
+        if (taken.count(given.number) == 0) givenUp.insert(given.number);
     }
-    _waiting = false;
+    _waiting = !renumbered.empty();
     for (std::size_t i = 0; i < wishes.size(); ++i) {
-        if (numbers[i] || present.count(wishes[i].identity) != 0) continue;
+        if (numbers[i] || present.count(wishes[i].identity) != 0 || renumbered.count(wishes[i].identity) != 0) continue;
         std::uint32_t number = wishes[i].byPlace.value_or(numberByIdentity(wishes[i].identity));
         if (taken.count(number) != 0) number = numberByIdentity(wishes[i].identity);
         while (taken.count(number) != 0)
@@ -57,7 +71,7 @@ std::vector<std::optional<std::uint32_t>> DriveNumbering::assign(const std::vect
         }
         numbers[i] = number;
         taken.insert(number);
-        present.emplace(wishes[i].identity, number);
+        present[wishes[i].identity] = {number, wishes[i].told};
     }
     _present = std::move(present);
     return numbers;

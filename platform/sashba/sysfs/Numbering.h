@@ -1,7 +1,8 @@
 // Gives the drives and boxes of one HBA their numbers. A number follows from the place where that is known: the drive
 // in bay M of box N is N*1000+M, one that is directly attached has the number of its bay or port; so it is the same
 // after a re-plug and after a reboot. A drive without a place gets a number made of what it is (its world-wide name).
-// While a drive stays it keeps its number, whatever is learned about its place later. One thread at a time.
+// While a drive stays it keeps its number, but for one whose bay was only guessed when it came: when the box has told
+// the bay, it goes and comes with the number that it will have after a reboot too. One thread at a time.
 #pragma once
 
 #include <cstdint>
@@ -16,19 +17,28 @@ namespace KDV {
 struct NumberWish {
     std::string identity; // what it is; unlike that of any other drive of the HBA
     std::optional<std::uint32_t> byPlace;
+    bool told = false; // the box itself says which bay it is
 };
 
 class DriveNumbering {
 public:
     // In the order of the wishes. A number that another drive had until now is given only at the next call, so that a
-    // swap between two refreshes shows as a pull and an insert; until then the drive has none.
+    // swap between two refreshes shows as a pull and an insert; until then the drive has none. Likewise one that gets
+    // a better number.
     std::vector<std::optional<std::uint32_t>> assign(const std::vector<NumberWish>& wishes);
 
     // Some drive of the last call is waiting for its number.
     bool waiting() const noexcept { return _waiting; }
 
 private:
-    std::map<std::string, std::uint32_t> _present;
+    struct Given {
+        std::uint32_t number = 0;
+        bool told = false;
+    };
+
+    bool isBetter(const NumberWish& wish, const Given& given) const;
+
+    std::map<std::string, Given> _present;
     bool _waiting = false;
 };
 

@@ -240,6 +240,24 @@ TEST(DriveNumbering, GivesANumberOfAPlaceThatIsLearnedLateToNobodyWhoHasOne)
     EXPECT_EQ(numbering.assign({{"naa.1", 1005}}), early);
 }
 
+TEST(DriveNumbering, CorrectsAGuessWhenTheBoxHasToldTheBay)
+{
+    using Numbers = std::vector<std::optional<std::uint32_t>>;
+    DriveNumbering numbering;
+    EXPECT_EQ(numbering.assign({{"naa.1", 1000}, {"naa.2", 1004}}), (Numbers{1000, 1004}));
+    EXPECT_EQ(numbering.assign({{"naa.1", 1001, true}, {"naa.2", 1004, true}}), (Numbers{std::nullopt, 1004}))
+        << "it goes,";
+    EXPECT_TRUE(numbering.waiting());
+    EXPECT_EQ(numbering.assign({{"naa.1", 1001, true}, {"naa.2", 1004, true}}), (Numbers{1001, 1004}))
+        << "and comes with the right one";
+    EXPECT_FALSE(numbering.waiting());
+    EXPECT_EQ(numbering.assign({{"naa.1", 1007, true}, {"naa.2", 1004, true}}), (Numbers{1001, 1004}))
+        << "what a box has told once stays";
+    EXPECT_EQ(numbering.assign({{"naa.1", 1001}, {"naa.2", 1004}, {"naa.3", 1002}}), (Numbers{1001, 1004, 1002}));
+    EXPECT_EQ(numbering.assign({{"naa.1", 1001}, {"naa.2", 1004}, {"naa.3", 1004, true}}), (Numbers{1001, 1004, 1002}))
+        << "a number that another one has is no better";
+}
+
 TEST(DriveNumbering, HasNoNumberForAPlaceThatIsNone)
 {
     EXPECT_EQ(numberByPlace(2, 7), 2007U);
