@@ -100,7 +100,7 @@ private:
 class SgDevice final : public DeviceLink {
 public:
     SgDevice(int fd, std::string node, std::chrono::milliseconds deadline)
-        : _fd(fd), _node(std::move(node)), _deadline(deadline), _end(std::chrono::steady_clock::now() + deadline)
+        : _fd(fd), _node(std::move(node)), _end(std::chrono::steady_clock::now() + deadline)
     {
     }
     ~SgDevice() override { close(_fd); }
@@ -133,7 +133,7 @@ private:
     {
         const auto left =
             std::chrono::duration_cast<std::chrono::milliseconds>(_end - std::chrono::steady_clock::now());
-        return std::clamp(left, std::chrono::milliseconds(1), _deadline);
+        return std::max(left, std::chrono::milliseconds(1));
     }
 
     std::string page(const std::uint8_t* command, std::size_t commandBytes, std::size_t most)
@@ -149,6 +149,11 @@ private:
     {
         Reply reply;
         for (int attempt = 0; attempt < attempts; ++attempt) {
+            if (std::chrono::steady_clock::now() >= _end) {
+                reply = Reply();
+                reply.state.timedOut = true;
+                break;
+            }
             Command command(_fd, bytes, count);
             if (!data.empty()) command.readInto(data);
             reply = command.run(_fd, std::chrono::ceil<std::chrono::seconds>(timeLeft()), data.size());
@@ -159,7 +164,6 @@ private:
 
     int _fd;
     std::string _node;
-    std::chrono::milliseconds _deadline;
     std::chrono::steady_clock::time_point _end;
 };
 

@@ -121,10 +121,16 @@ TEST(SgDevice, AsksForPagesAsTheStandardsLayThemOut)
     }
 }
 
-TEST(SgDevice, GivesAtLeastASecondToWhatMustBeCountedInSeconds)
+TEST(SgDevice, CountsWholeSecondsUpwardsAndAsksNothingWhenTimeIsUp)
 {
-    openDevice({Answer{}}, milliseconds(1))->testUnitReady();
-    EXPECT_EQ(asked.at(0).timeout, 1000U);
+    openDevice({Answer{}}, milliseconds(3599001))->testUnitReady();
+    EXPECT_EQ(asked.at(0).timeout % 1000, 0U);
+    EXPECT_GT(asked.at(0).timeout, 1800000U);
+    EXPECT_LE(asked.at(0).timeout, 3600000U);
+    const auto late = openDevice({Answer{}}, milliseconds(0));
+    EXPECT_TRUE(late->testUnitReady().timedOut);
+    EXPECT_EQ(late->logPage(0x2F), "");
+    EXPECT_TRUE(asked.empty());
 }
 
 TEST(SgDevice, TakesAsManyBytesAsCame)
