@@ -50,9 +50,11 @@ std::vector<std::optional<std::uint32_t>> DriveNumbering::assign(const std::vect
             renumbered.insert(wishes[i].identity);
             continue;
         }
-        numbers[i] = before->second.number;
-        present[wishes[i].identity] = {before->second.number, before->second.told || wishes[i].told};
-        taken.insert(before->second.number);
+        const Given& given = before->second;
+        numbers[i] = given.number;
+        present[wishes[i].identity] = {given.number,
+                                       given.told || (wishes[i].told && wishes[i].byPlace == given.number)};
+        taken.insert(given.number);
     }
     std::set<std::uint32_t> givenUp;
     for (const auto& [identity, given] : _present) {
@@ -71,7 +73,7 @@ std::vector<std::optional<std::uint32_t>> DriveNumbering::assign(const std::vect
         }
         numbers[i] = number;
         taken.insert(number);
-        present[wishes[i].identity] = {number, wishes[i].told};
+        present[wishes[i].identity] = {number, wishes[i].told && wishes[i].byPlace == number};
     }
     _present = std::move(present);
     return numbers;

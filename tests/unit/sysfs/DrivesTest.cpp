@@ -258,6 +258,21 @@ TEST(DriveNumbering, CorrectsAGuessWhenTheBoxHasToldTheBay)
         << "a number that another one has is no better";
 }
 
+TEST(DriveNumbering, CorrectsARowOfGuessesThatAreInEachOthersWay)
+{
+    DriveNumbering numbering;
+    numbering.assign({{"naa.1", 1000}, {"naa.2", 1001}, {"naa.3", 1002}});
+    const std::vector<NumberWish> told = {{"naa.1", 1001, true}, {"naa.2", 1002, true}, {"naa.3", 1003, true}};
+    std::vector<std::optional<std::uint32_t>> numbers;
+    int passes = 0;
+    do {
+        numbers = numbering.assign(told);
+        ++passes;
+    } while (numbering.waiting() && passes < 10);
+    EXPECT_EQ(numbers, (std::vector<std::optional<std::uint32_t>>{1001, 1002, 1003}));
+    EXPECT_LT(passes, 10);
+}
+
 TEST(DriveNumbering, HasNoNumberForAPlaceThatIsNone)
 {
     EXPECT_EQ(numberByPlace(2, 7), 2007U);
