@@ -2,6 +2,7 @@
 
 The archive is not compressed: under emulation unpacking costs more than copying.
 """
+import functools
 import os
 import pathlib
 import re
@@ -65,6 +66,7 @@ def libraries_of(program):
     return [path for path in paths if "/libKDV" not in path]
 
 
+@functools.lru_cache(maxsize=None)
 def stripped(file):
     """Without what only a debugger reads, which is most of a library."""
     if file.read_bytes()[:4] != b"\x7fELF":
