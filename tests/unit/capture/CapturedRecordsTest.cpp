@@ -39,7 +39,8 @@ TEST_F(CapturedRecords, AreTheOnesOfTheMachine)
     ASSERT_THAT(live.drives(), SizeIs(3)) << "the drive with two ports is one";
     const std::vector<std::string> lines = recordLines(live);
     ASSERT_THAT(lines, AllOf(Contains("serialNumber = K1GXYZ8D"), Contains("location = Port 0 Box 1 Bay 24"),
-                             Contains(HasSubstr("fanStatus = 5")), Contains("serialNumber = ENC000123X")));
+                             Contains(HasSubstr("fanStatus = 5")), Contains("serialNumber = ENC000123X"),
+                             Contains("memberCount = 2")));
     EXPECT_EQ(linesOf(captureOf(machine).captured.entries), lines);
 }
 
@@ -97,6 +98,7 @@ TEST_F(CapturedRecords, LeaveOutWhatIsNotBehindASasAdapter)
     EXPECT_TRUE(has("sys/module/mpt3sas/version"));
     EXPECT_TRUE(has("sys/devices/virtual/dmi/id/product_name"));
     EXPECT_FALSE(has("product_serial"));
+    EXPECT_FALSE(has("dm/uuid"));
 }
 
 TEST_F(CapturedRecords, OfAMachineWithoutAnAdapterHaveAllHosts)

@@ -78,6 +78,13 @@ std::string namesPage(std::uint64_t unit, std::uint64_t port, const std::string&
                                   descriptor(0x63, 0xA8, "naa." + hex(unit) + std::string(4, '\0')));
 }
 
+std::string waysToDrive(const std::string& block)
+{
+    const std::string way = block == "sda" ? "0" : "1";
+    return "devices/pci0000:00/0000:00:01.0/0000:01:00.0/host0/port-0:0/expander-0:0/port-0:0:" + way +
+           "/end_device-0:0:" + way + "/target0:0:" + way + "/0:0:" + way + ":0/block/" + block;
+}
+
 void addDualPorted(FakeSysfs& sysfs, const std::string& host, const std::string& box)
 {
     for (int way = 0; way < 2; ++way) {
@@ -159,6 +166,13 @@ void addDirect(FakeSysfs& sysfs, const std::string& host)
     const std::string md = sysfs.addMd("md0", "raid1", 2);
     sysfs.file(md + "/uuid", "3b1e77a0:51c4d2f9:8e0a6b7c:99d1f204\n");
     sysfs.addMdMember(md, device, "sdd", "0", "in_sync");
+    const std::string mapped = "devices/virtual/block/dm-0"; // the drive with two ports, by both
+    for (const char* way : {"sda", "sdb"})
+        sysfs.link(mapped + "/slaves/" + way, waysToDrive(way));
+    sysfs.file(mapped + "/dm/uuid", "mpath-35000cca26128b1f4\n");
+    sysfs.file(md + "/dev-dm-0/slot", "1\n");
+    sysfs.file(md + "/dev-dm-0/state", "in_sync\n");
+    sysfs.link(md + "/dev-dm-0/block", mapped);
 }
 
 std::string addBox(FakeSysfs& sysfs, const std::string& host)

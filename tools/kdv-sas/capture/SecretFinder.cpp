@@ -149,7 +149,7 @@ void findInAtaPage(ByteView page, Secrets& secrets)
     secrets.addText(ata->serial);
     std::uint64_t name = 0;
     for (std::size_t word = 0; word < 4; ++word)
-        name = name << 16 | page.u8(nameAt + word * 2 + 1) << 8 | page.u8(nameAt + word * 2);
+        name = name << 16 | std::uint64_t{page.u8(nameAt + word * 2 + 1)} << 8 | page.u8(nameAt + word * 2);
     if (name >> 60 == 5) secrets.addAddress(name);
 }
 

@@ -77,7 +77,8 @@ bool takesFolder(const std::string& parentPath, std::string_view name)
     const std::string above = KDV::lastOf(KDV::parentOf(parentPath));
     if (isClassFolder(name) || isClassFolder(parent)) return true;
     if (above == "enclosure") return name != "power"; // its slots, by whatever names the box has for them
-    if (above == "block") return name == "queue" || name == "md" || startsWith(name, parent); // partitions
+    if (above == "block")                             // and its partitions
+        return name == "queue" || name == "md" || name == "slaves" || startsWith(name, parent);
     for (const std::string_view start : {"port-", "phy-", "expander-", "end_device-", "target", "dev-"}) {
         if (startsWith(name, start)) return true;
     }

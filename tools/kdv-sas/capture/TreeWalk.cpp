@@ -240,7 +240,19 @@ void TreeWalk::takeHostAttributes(const std::string& path)
     walk(open(attributes), attributes, 0);
 }
 
-void TreeWalk::takeArray(const std::string& blockPath) { walk(open(blockPath), blockPath, 0); }
+// Between an array and its disks there may be others of the kernel's own making, for encryption or for two paths.
+void TreeWalk::takeArray(const std::string& blockPath)
+{
+    std::size_t at = _to.entries.size();
+    walk(open(blockPath), blockPath, 0);
+    for (; at < _to.entries.size(); ++at) {
+        if (_to.entries[at].kind != CapturedEntry::Kind::Link) continue;
+        const std::string path = _to.entries[at].path.substr(sizeof "sys/" - 1);
+        if (lastOf(path) != "block" && lastOf(parentOf(path)) != "slaves") continue;
+        const std::string lower = ledTo(path, _to.entries[at].content);
+        if (parentOf(lower) == "devices/virtual/block") walk(open(lower), lower, 0);
+    }
+}
 
 void TreeWalk::takePciSlots()
 {
