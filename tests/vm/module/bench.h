@@ -107,7 +107,7 @@ extern enum raid_state volume_state;
 extern int volume_resync;
 
 /* machine.c */
-void set_up_machine(unsigned int enc_serv_mask);
+void set_up_machine(void);
 struct unit *find_unit(const char *name);
 struct box *find_box(const char *name);
 u64 route_address(const struct unit *unit, int route);

@@ -2,14 +2,15 @@
 /*
  * Orders, one a write, to <debugfs>/kdvbench/control:
  *
- *   unplug UNIT[/2]               a drive is pulled, or its second way is cut
- *   plug UNIT[/2] [serial=S]      and comes back; with a serial number it is another drive
+ *   unplug UNIT[/WAY]             a drive is pulled, or one of its ways (1 or 2) is cut
+ *   plug UNIT [serial=S]          and comes back; with a serial number it is another drive
  *   hang|sleep|predict|attention UNIT on|off
  *   ready UNIT on|off
  *   slot BOX BAY CODE             bays, fans and supplies count from 0; CODE is
  *   fan|supply BOX N CODE         ok, critical, noncritical, unrecoverable, absent or unknown
  *   slotpredict BOX BAY on|off
  *   temperature BOX CODE
+ *   encserv BOX on|off            the bit by which the kernel knows an enclosure; it looks when the box is plugged in
  *   volume unknown|active|degraded|resyncing|offline
  *   forget                        sets the counts of commands to 0
  *
@@ -90,6 +91,17 @@ static int order_box(const char *verb, const char *name, const char *number, con
 	return 0;
 }
 
+static int order_encserv(const char *name, const char *word)
+{
+	struct box *box = find_box(name);
+	bool on;
+
+	if (!box || kstrtobool(word, &on))
+		return -EINVAL;
+	box->enc_serv = on;
+	return 0;
+}
+
 static int order_unit(const char *verb, const char *name, const char *word)
 {
 	struct unit *unit = find_unit(name);
@@ -136,9 +148,9 @@ static int order_plug(bool in, char *name, const char *option)
 
 	if (slash) {
 		*slash = 0;
-		if (strcmp(slash + 1, "2"))
+		if (in || kstrtoint(slash + 1, 10, &route) || route < 1)
 			return -EINVAL;
-		route = 1;
+		route--;
 	}
 	unit = find_unit(name);
 	if (!unit || unit->kind == VOLUME || route >= unit->route_count)
@@ -177,6 +189,8 @@ static int order(char **words, int count)
 		return order_volume(words[1]);
 	if (count == 3 && !strcmp(words[0], "temperature"))
 		return order_box(words[0], words[1], "0", words[2]);
+	if (count == 3 && !strcmp(words[0], "encserv"))
+		return order_encserv(words[1], words[2]);
 	if (count == 3)
 		return order_unit(words[0], words[1], words[2]);
 	if (count == 4)

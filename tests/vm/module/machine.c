@@ -25,7 +25,7 @@ int volume_resync;
 
 struct box boxes[] = {
 	{ .name = "a", .id = BOX_A_ID, .product = "SHELF8", .revision = "0107",
-	  .serial = "SHELF-A-0001", .bays = 8, .first_slot = 1 },
+	  .serial = "SHELF-A-0001", .bays = 8, .first_slot = 1, .enc_serv = true },
 	{ .name = "b", .id = BOX_B_ID, .product = "SHELF4", .revision = "0203",
 	  .serial = "SHELF-B-0002", .bays = 4, .first_slot = 0 },
 };
@@ -84,14 +84,13 @@ struct unit units[] = {
 };
 const int unit_count = ARRAY_SIZE(units);
 
-void set_up_machine(unsigned int enc_serv_mask)
+void set_up_machine(void)
 {
 	int i;
 
 	for (i = 0; i < box_count; i++) {
 		struct box *box = &boxes[i];
 
-		box->enc_serv = enc_serv_mask >> i & 1;
 		memset(box->slots, ELEMENT_ABSENT, sizeof(box->slots));
 		memset(box->fans, ELEMENT_OK, sizeof(box->fans));
 		memset(box->supplies, ELEMENT_OK, sizeof(box->supplies));

@@ -16,10 +16,6 @@
 #define EXPANDER_PHYS 15
 #define VOLUME_CHANNEL 1
 
-static unsigned int encserv = 1;
-module_param(encserv, uint, 0444);
-MODULE_PARM_DESC(encserv, "boxes that have the enclosure services bit; bit 0 is box a");
-
 static char *proc_name = "mpt3sas";
 module_param(proc_name, charp, 0444);
 MODULE_PARM_DESC(proc_name, "name of the driver that the host shows");
@@ -533,7 +529,7 @@ static int __init bench_init(void)
 {
 	int error = -ENOMEM;
 
-	set_up_machine(encserv);
+	set_up_machine();
 	sas_template = sas_attach_transport(&sas_functions);
 	raid_template = raid_class_attach(&raid_functions);
 	if (sas_template && raid_template)
