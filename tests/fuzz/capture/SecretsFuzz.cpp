@@ -41,7 +41,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 {
     Captured captured;
     for (std::size_t at = 0; at + 3 <= size;) {
-        const std::size_t length = std::min<std::size_t>(data[at + 1] << 8 | data[at + 2], size - at - 3);
+        const std::size_t length = std::min(std::size_t{data[at + 1]} << 8 | data[at + 2], size - at - 3);
         const char* content = reinterpret_cast<const char*>(data) + at + 3;
         captured.entries.push_back(entryOf(data[at], std::string(content, length)));
         at += 3 + length;

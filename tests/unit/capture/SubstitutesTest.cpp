@@ -129,6 +129,18 @@ TEST(SubstitutesOfTexts, AreOfTheSameLengthAndLetters)
     }
 }
 
+TEST(SubstitutesOfTexts, AreDistinctWhereMoreAreNeededThanThereAreOfTheirKind)
+{
+    std::vector<std::string> texts;
+    for (int i = 1000; i < 7000; ++i)
+        texts.push_back(std::to_string(i));
+    const Secrets secrets = withTexts(texts);
+    std::set<std::string> all = secrets.texts;
+    ASSERT_GT(all.size(), 5900U);
+    for (const auto& [text, substitute] : drawSubstitutes(secrets, seeded(1)).texts)
+        EXPECT_TRUE(all.insert(substitute).second) << substitute;
+}
+
 TEST(SubstitutesOfTexts, HaveThoseOfTheTextsInThem)
 {
     const auto drawn = drawSubstitutes(withTexts({"K1GXYZ8D", "K1GXYZ8D0000R712", "X-K1GXYZ8D"}), seeded(3)).texts;

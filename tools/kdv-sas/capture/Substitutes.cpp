@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cctype>
 #include <cerrno>
+#include <string_view>
 #include <sys/random.h>
 #include <system_error>
 #include <vector>
@@ -14,7 +15,7 @@ namespace {
 
 constexpr std::uint64_t close = 256; // names of one thing are not farther apart
 constexpr unsigned keptLowBits = 4;  // which of the ports of a thing
-constexpr int attempts = 1000;
+constexpr int attempts = 200;
 
 // How many bits at the front tell the kind and the maker.
 unsigned keptHighBits(std::uint64_t address)
@@ -91,26 +92,28 @@ bool isHexDigits(const std::string& text)
                        [](unsigned char letter) { return std::isalnum(letter) == 0 || std::isxdigit(letter) != 0; });
 }
 
-char drawLetter(char like, bool hex, const Random& random)
+// What a letter may become. Where all texts of a kind are taken, any letter has to do.
+enum class Choice : std::uint8_t { Hex, SameKind, Any };
+
+char drawLetter(char like, Choice choice, const Random& random)
 {
     const auto letter = static_cast<unsigned char>(like);
-    const auto from = [&random](char first, unsigned count) {
-        return static_cast<char>(first + static_cast<char>(random() % count));
-    };
-    if (std::isdigit(letter)) return from('0', 10);
-    if (std::isupper(letter)) return from('A', hex ? 6 : 26);
-    if (std::islower(letter)) return from('a', hex ? 6 : 26);
-    return like;
+    const auto from = [&random](std::string_view letters) { return letters[random() % letters.size()]; };
+    constexpr std::string_view all = "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
+    const std::size_t letters = choice == Choice::Hex ? 6 : 26;
+    if (std::isalnum(letter) == 0) return like;
+    if (choice == Choice::Any) return from(all);
+    if (std::isdigit(letter)) return from(all.substr(0, 10));
+    return from(all.substr(std::isupper(letter) ? 10 : 36, letters));
 }
 
 // What the names already drawn make of the text stays; the rest is drawn.
-std::string drawText(const std::string& text, const std::string& known, const std::vector<bool>& kept,
+std::string drawText(const std::string& text, const std::string& known, const std::vector<bool>& kept, Choice choice,
                      const Random& random)
 {
-    const bool hex = isHexDigits(text);
     std::string drawn = known;
     for (std::size_t at = 0; at < text.size(); ++at) {
-        if (!kept[at]) drawn[at] = drawLetter(text[at], hex, random);
+        if (!kept[at]) drawn[at] = drawLetter(text[at], choice, random);
     }
     return drawn;
 }
@@ -143,8 +146,10 @@ std::map<std::string, std::string> drawAlike(const std::set<std::string>& texts,
         std::vector<bool> kept;
         const std::string inner = known.replaced(text, &kept);
         std::string drawn = inner;
+        const Choice kind = isHexDigits(text) ? Choice::Hex : Choice::SameKind;
         for (int attempt = 0; attempt < attempts; ++attempt) {
-            drawn = drawText(text, inner, kept, random);
+            const Choice choice = attempt >= attempts / 2 ? Choice::Any : kind;
+            drawn = drawText(text, inner, kept, choice, random);
             if (taken.count(drawn) == 0) break;
         }
         taken.insert(drawn);
