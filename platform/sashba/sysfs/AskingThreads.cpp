@@ -42,12 +42,16 @@ struct AskingThreads::State {
     std::uint64_t lastTicket = 0;
     std::size_t workers = 0; // at work and in time
     std::size_t writtenOff = 0;
+    std::function<void()> tellOfFirstAnswers; // empty: nobody wants to know
+    bool hasToTell = false;
     bool deniedReported = false;
     bool ending = false;
 
     std::shared_ptr<Asked> takeDue();
     void finish(const std::shared_ptr<Asked>& asked, std::uint64_t ticket, DeviceAnswer answer);
     void writeOff(Asked& asked);
+    void takeAnswer(Asked& asked, DeviceAnswer answer);
+    bool tell(std::unique_lock<std::mutex>& guard);
     void reportOn(Asked& asked);
     Clock::time_point lookAround(std::size_t& wanted);
 };
@@ -91,6 +95,7 @@ void work(std::shared_ptr<State> state) // NOLINT(performance-unnecessary-value-
         guard.lock();
         const bool tooLate = asked->ticket == ticket && asked->writtenOff;
         state->finish(asked, ticket, std::move(answer));
+        state->tell(guard);
         if (tooLate) return; // another one works in its place
     }
     --state->workers;
@@ -103,6 +108,7 @@ void keep(std::shared_ptr<State> state) // NOLINT(performance-unnecessary-value-
     while (!state->ending) {
         std::size_t wanted = 0;
         Clock::time_point next = state->lookAround(wanted);
+        if (state->tell(guard)) continue; // what was seen may have changed meanwhile
         for (; wanted > 0 && state->workers < state->settings.threads; --wanted) {
             if (!startThread(work, state)) {
                 next = std::min(next, Clock::now() + std::chrono::seconds(1));
@@ -139,21 +145,40 @@ void AskingThreads::State::finish(const std::shared_ptr<Asked>& asked, std::uint
     asked->writtenOff = false;
     const bool slow = asked->device.kind == AskedKind::Disk;
     asked->due = Clock::now() + (slow ? settings.diskInterval : settings.boxInterval);
-    asked->answer = std::make_shared<const DeviceAnswer>(std::move(answer));
-    reportOn(*asked);
-    changed.notify_all();
+    takeAnswer(*asked, std::move(answer));
 }
 
 void AskingThreads::State::writeOff(Asked& asked)
 {
     DeviceAnswer hung;
     hung.hung = true;
-    asked.answer = std::make_shared<const DeviceAnswer>(std::move(hung));
     asked.writtenOff = true;
     ++writtenOff;
     --workers;
+    takeAnswer(asked, std::move(hung));
+}
+
+void AskingThreads::State::takeAnswer(Asked& asked, DeviceAnswer answer)
+{
+    const bool first = !asked.answer;
+    asked.answer = std::make_shared<const DeviceAnswer>(std::move(answer));
     reportOn(asked);
     changed.notify_all();
+    if (first && tellOfFirstAnswers &&
+        std::all_of(devices.begin(), devices.end(), [](const auto& entry) { return entry.second->answer != nullptr; }))
+        hasToTell = true;
+}
+
+// Gives up the lock meanwhile where it returns true.
+bool AskingThreads::State::tell(std::unique_lock<std::mutex>& guard)
+{
+    if (!hasToTell || ending) return false;
+    hasToTell = false;
+    const std::function<void()> tellThem = tellOfFirstAnswers;
+    guard.unlock();
+    tellThem();
+    guard.lock();
+    return true;
 }
 
 // Once when it begins, and once when it is over.
@@ -239,6 +264,12 @@ void AskingThreads::setDevices(std::vector<AskedDevice> devices)
     }
     _state->devices = std::move(next);
     if (news) _state->changed.notify_all();
+}
+
+void AskingThreads::tellOfFirstAnswers(std::function<void()> tell)
+{
+    const std::lock_guard<std::mutex> guard(_state->lock);
+    _state->tellOfFirstAnswers = std::move(tell);
 }
 
 DeviceAnswers AskingThreads::answers() const

@@ -41,6 +41,11 @@ public:
 
     DeviceAnswers answers() const;
 
+    // From now on, tells when devices have answered for the first time, or have failed to, and none is left that has
+    // not: once for all that came together. Called on any thread without a lock, also just after the object's end:
+    // it owns what it needs.
+    void tellOfFirstAnswers(std::function<void()> tell);
+
     // Waits until every device has an answer, be it that it hung, but not longer than given. For the first filling.
     bool waitForAll(std::chrono::milliseconds atMost) const;
 

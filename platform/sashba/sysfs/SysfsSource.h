@@ -28,7 +28,8 @@ struct SysfsSurroundings {
     std::function<void(const std::string&)> reportError;
     std::function<void(const std::string&)> reportInfo;
     std::function<void()> requestPass = [] {};
-    std::shared_ptr<DeviceOpener> opener; // null: no device is asked
+    std::function<void()> newcomersAnswered = [] {}; // what came after the first filling is known now
+    std::shared_ptr<DeviceOpener> opener;            // null: no device is asked
     bool listenToPlugs = false;
 };
 
