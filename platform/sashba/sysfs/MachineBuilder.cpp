@@ -113,6 +113,9 @@ void addVolumes(const LiveMachine& live, const LiveHba& hba, const DrivesByPath&
 bool isFirmwareVolume(const ScsiDevice& device, const LiveHba& hba)
 {
     if (device.raidClass) return true;
+    // Volumes have a channel of their own there and no port. Their class comes after the device and goes before it.
+    if ((hba.driver == "mpt3sas" || hba.driver == "mpt2sas") && device.address.channel == 1 && device.hbaPort.empty())
+        return true;
     if (hba.driver == "megaraid_sas") return device.address.channel >= 2; // the lower channels are disks passed through
     return !device.raidLevel.empty() && device.raidLevel != "N/A";
 }

@@ -320,6 +320,19 @@ TEST_F(LiveArrays, AFirmwareVolumeOfTheRaidClass)
     }
 }
 
+TEST_F(LiveArrays, AFirmwareVolumeIsNoDriveWhileTheKernelMakesOrRemovesIt)
+{
+    FakeDisk volume;
+    volume.address = "0:1:3:0";
+    volume.block = "sdv";
+    volume.wwid = "naa.600508e0000000000000000000000001";
+    sysfs.addDisk(host, volume); // its RAID class is not there yet, or no longer
+    const LiveRecords records(sysfs);
+    EXPECT_EQ(records.drives().size(), 4U);
+    ASSERT_EQ(records.volumes().size(), 1U);
+    EXPECT_EQ(records.volumes()[0]->status, 0);
+}
+
 TEST_F(LiveArrays, ADegradedFirmwareVolumeRebuildsWhileItsProgressMoves)
 {
     FakeDisk volume;
