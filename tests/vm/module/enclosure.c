@@ -146,7 +146,6 @@ static int additional_page(const struct unit *processor, u8 *page)
 		at[11] = disk->disk.sata ? 0x01 : 0x08;
 		put_unaligned_be64(box->id, at + 12);
 		put_unaligned_be64(route_address(disk, processor->side), at + 20);
-		at[28] = bay;
 	}
 	return at - page;
 }

@@ -38,9 +38,10 @@ const int box_count = ARRAY_SIZE(boxes);
 	.name = "a" #number, .box = &boxes[0], .bay = (bay_index), .bay_identifier = (bay_index), \
 	.enclosure_identifier = BOX_A_ID, \
 	.routes = { { AT_NEAR, (bay_index) }, { AT_FAR, (bay_index) } }, .route_count = 2
+/* The bays of box b are wired the other way round: only the box knows which bay is which. */
 #define IN_B(number) \
 	.name = "b" #number, .box = &boxes[1], .bay = (number), .bay_identifier = -EINVAL, \
-	.enclosure_identifier = -ENXIO, .routes = { { AT_CASCADE, (number) } }, .route_count = 1
+	.enclosure_identifier = -ENXIO, .routes = { { AT_CASCADE, 3 - (number) } }, .route_count = 1
 #define ON_ADAPTER(number) \
 	.name = "d" #number, .routes = { { AT_HBA, (number) } }, .route_count = 1
 
