@@ -4,6 +4,7 @@
  * The driver takes the teaching device that qemu calls edu: a PCI function
  * that needs nothing, and by which the adapter has a place and a slot.
  */
+#include <linux/async.h>
 #include <linux/module.h>
 #include <linux/pci.h>
 #include <linux/slab.h>
@@ -409,6 +410,7 @@ static int plug_route(struct unit *unit, int way)
 	rphy->identify.target_port_protocols = unit->disk.sata ? SAS_PROTOCOL_SATA : SAS_PROTOCOL_SSP;
 	route->rphy = rphy; /* before the kernel asks who is there */
 	error = sas_rphy_add(rphy);
+	async_synchronize_full(); /* disks get their names in the order in which they are plugged in */
 	return error;
 }
 
