@@ -124,8 +124,9 @@ class DisksAtAnAdapter(MachineCase):
         self.machine.run("echo '- - -' >/sys/class/scsi_host/host0/scan")
         _, seconds = wait_for("the instances to come", lambda: disk.serial in self.serials())
         self.measure("bus scanned until the instance of the new disk is there", seconds)
-        self.machine.wait_refreshing("the new disk to be asked", lambda: only(
+        _, seconds = wait_for("the new disk to be as it was", lambda: only(
             self.machine.instances("KDV_SASDiskDrive"), DeviceID=disk.serial) == before)
+        self.measure("instance of the new disk there until its status is", seconds)
         self.assertIn(disk.serial, str(self.machine.instances("KDV_SASStorageExtent")))
 
     def test_a_disk_whose_pull_the_system_does_not_notice_fails_and_recovers(self):

@@ -1,4 +1,6 @@
 """Disks in an enclosure: what its pages tell, and the alerts when a part of it or a disk fails."""
+import time
+
 from lab.case import MachineCase, only
 from lab.iscsi import Target
 from lab.provider import LOG, ProviderMachine, hba
@@ -83,9 +85,9 @@ class DisksInAShelf(MachineCase):
     def drive(self, disk):
         return only(self.machine.instances("KDV_SASDiskDrive"), DeviceID=disk.serial)
 
-    def alert(self, event, element, **expected):
-        """Waits for an alert; those that come later are looked at from its place on."""
-        alert = self.machine.listener.wait(event, element, self.mark, self.machine.refresh)
+    def alert(self, event, element, meanwhile=None, **expected):
+        """Waits for an alert, refreshing if nothing else is done meanwhile; later ones are looked at from its place."""
+        alert = self.machine.listener.wait(event, element, self.mark, meanwhile or self.machine.refresh)
         self.assert_fields(alert, MessageID=f"KDVSAS{event:04}", **expected)
         self.mark = self.machine.listener.mark()
         return alert
@@ -214,7 +216,9 @@ class DisksInAShelf(MachineCase):
         self.machine.run("echo '- - -' >/sys/class/scsi_host/host0/scan")
         _, seconds = wait_for("the new disk to come", lambda: new.serial in self.serials())
         self.measure("disk of a box inserted until its instance is there", seconds)
-        self.alert(204, f'DeviceID="{new.serial}"', HWLogicalLocation="Port 2 Box 1 Bay 4")
+        begin = time.monotonic()
+        alert = self.alert(204, f'DeviceID="{new.serial}"', lambda: None, HWLogicalLocation="Port 2 Box 1 Bay 4")
+        self.measure("instance of the inserted disk there until its alert is here", alert.received - begin)
         self.assert_fields(self.drive(new), ElementName="Port 2 Box 1 Bay 4", OperationalStatus=[DRIVE_PREDICTS])
         new.predicts_failure = False
         self.alert(201, f'DeviceID="{new.serial}"')
