@@ -11,7 +11,7 @@ from lab.waiting import PATIENCE, wait_for
 
 PORT = 5988
 CONFIGURATION = "/etc/cim/zt-kdv"
-LOG = "/tmp/kdv.log"
+LOG = "/tmp/provider.log"
 
 # Devices are asked often, so that a fault made in a test is seen soon; an emulated one on a busy host may be slow.
 QUICK = {"diskPollSeconds": 1, "boxPollSeconds": 1, "deviceDeadlineSeconds": 15}
