@@ -24,6 +24,7 @@ struct Asked {
     std::uint64_t ticket = 0; // of the worker that asks it now; 0 none
     bool writtenOff = false;  // that worker has passed the deadline
     bool hangReported = false;
+    bool again = false; // what is being asked now may be out of date when it comes
     std::shared_ptr<const DeviceAnswer> answer;
 };
 
@@ -42,7 +43,7 @@ struct AskingThreads::State {
     std::uint64_t lastTicket = 0;
     std::size_t workers = 0; // at work and in time
     std::size_t writtenOff = 0;
-    std::function<void()> tellOfFirstAnswers; // empty: nobody wants to know
+    std::function<void()> tellOfNews; // empty: nobody wants to know
     bool hasToTell = false;
     bool deniedReported = false;
     bool ending = false;
@@ -53,6 +54,7 @@ struct AskingThreads::State {
     void takeAnswer(Asked& asked, DeviceAnswer answer);
     bool tell(std::unique_lock<std::mutex>& guard);
     void reportOn(Asked& asked);
+    void askBoxes();
     Clock::time_point lookAround(std::size_t& wanted);
 };
 
@@ -144,7 +146,9 @@ void AskingThreads::State::finish(const std::shared_ptr<Asked>& asked, std::uint
     asked->ticket = 0;
     asked->writtenOff = false;
     const bool slow = asked->device.kind == AskedKind::Disk;
-    asked->due = Clock::now() + (slow ? settings.diskInterval : settings.boxInterval);
+    asked->due = Clock::now();
+    if (!asked->again) asked->due += slow ? settings.diskInterval : settings.boxInterval;
+    asked->again = false;
     takeAnswer(*asked, std::move(answer));
 }
 
@@ -161,12 +165,15 @@ void AskingThreads::State::writeOff(Asked& asked)
 void AskingThreads::State::takeAnswer(Asked& asked, DeviceAnswer answer)
 {
     const bool first = !asked.answer;
+    if (!first && answer.readiness == Readiness::Asleep) answer = asleepAfter(*asked.answer);
+    const bool otherState = !first && differsInState(*asked.answer, answer);
     asked.answer = std::make_shared<const DeviceAnswer>(std::move(answer));
     reportOn(asked);
     changed.notify_all();
-    if (first && tellOfFirstAnswers &&
-        std::all_of(devices.begin(), devices.end(), [](const auto& entry) { return entry.second->answer != nullptr; }))
-        hasToTell = true;
+    if (!tellOfNews || (!first && !otherState)) return;
+    hasToTell = hasToTell || otherState || std::all_of(devices.begin(), devices.end(), [](const auto& entry) {
+                    return entry.second->answer != nullptr;
+                });
 }
 
 // Gives up the lock meanwhile where it returns true.
@@ -174,7 +181,7 @@ bool AskingThreads::State::tell(std::unique_lock<std::mutex>& guard)
 {
     if (!hasToTell || ending) return false;
     hasToTell = false;
-    const std::function<void()> tellThem = tellOfFirstAnswers;
+    const std::function<void()> tellThem = tellOfNews;
     guard.unlock();
     tellThem();
     guard.lock();
@@ -198,6 +205,16 @@ void AskingThreads::State::reportOn(Asked& asked)
                    "): whether disks are ready and healthy, and the fans, "
                    "power supplies and temperatures of boxes, stay unknown; run with CAP_SYS_RAWIO and access to the "
                    "device nodes to learn them");
+    }
+}
+
+// Where a new disk is, a box may be the only one to know.
+void AskingThreads::State::askBoxes()
+{
+    for (const auto& [key, asked] : devices) {
+        if (asked->device.kind != AskedKind::Enclosure) continue;
+        asked->again = asked->ticket != 0;
+        asked->due = std::min(asked->due, Clock::now());
     }
 }
 
@@ -247,12 +264,14 @@ void AskingThreads::setDevices(std::vector<AskedDevice> devices)
     const std::lock_guard<std::mutex> guard(_state->lock);
     std::map<std::string, std::shared_ptr<Asked>> next;
     bool news = false;
+    bool newDisk = false;
     for (AskedDevice& device : devices) {
         const auto known = _state->devices.find(device.key);
         std::shared_ptr<Asked> asked = known == _state->devices.end() ? nullptr : known->second;
         if (!asked) {
             asked = std::make_shared<Asked>();
             news = true;
+            newDisk = newDisk || device.kind == AskedKind::Disk;
         }
         std::string key = device.key;
         asked->device = std::move(device);
@@ -263,13 +282,14 @@ void AskingThreads::setDevices(std::vector<AskedDevice> devices)
             next.emplace(key, asked); // until its worker is back or late
     }
     _state->devices = std::move(next);
+    if (newDisk) _state->askBoxes();
     if (news) _state->changed.notify_all();
 }
 
-void AskingThreads::tellOfFirstAnswers(std::function<void()> tell)
+void AskingThreads::tellOfNews(std::function<void()> tell)
 {
     const std::lock_guard<std::mutex> guard(_state->lock);
-    _state->tellOfFirstAnswers = std::move(tell);
+    _state->tellOfNews = std::move(tell);
 }
 
 DeviceAnswers AskingThreads::answers() const

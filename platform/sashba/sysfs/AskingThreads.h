@@ -36,15 +36,17 @@ public:
     AskingThreads(const AskingThreads&) = delete;
     AskingThreads& operator=(const AskingThreads&) = delete;
 
-    // What there is to ask from now on. New ones are asked at once; answers of those that went are forgotten.
+    // What there is to ask from now on. New ones are asked at once, and with a new disk all boxes, since one of them
+    // may be the only one to know its bay; answers of those that went are forgotten.
     void setDevices(std::vector<AskedDevice> devices);
 
     DeviceAnswers answers() const;
 
     // From now on, tells when devices have answered for the first time, or have failed to, and none is left that has
-    // not: once for all that came together. Called on any thread without a lock, also just after the object's end:
-    // it owns what it needs.
-    void tellOfFirstAnswers(std::function<void()> tell);
+    // not: once for all that came together. Tells also when a device's answer speaks of another state than the one
+    // before (differsInState). Called on any thread without a lock, also just after the object's end: it owns what it
+    // needs.
+    void tellOfNews(std::function<void()> tell);
 
     // Waits until every device has an answer, be it that it hung, but not longer than given. For the first filling.
     bool waitForAll(std::chrono::milliseconds atMost) const;

@@ -47,6 +47,14 @@ struct DeviceAnswer {
     std::optional<std::uint64_t> raidProgress; // of a rebuild, as the driver counts it
 };
 
+// The answer of a disk that sleeps now. It is asked nothing more, so what it said of its health before stands: a
+// failure that it predicted is not taken back by its sleep.
+DeviceAnswer asleepAfter(const DeviceAnswer& before);
+
+// Does what clients see of a device's state differ? Figures that move while a device is as it was, and whether its disk
+// turns, do not count.
+bool differsInState(const DeviceAnswer& one, const DeviceAnswer& other);
+
 // By askingKey(). The values are shared with the threads that ask and never change.
 using DeviceAnswers = std::map<std::string, std::shared_ptr<const DeviceAnswer>>;
 

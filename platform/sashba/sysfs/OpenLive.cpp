@@ -49,7 +49,7 @@ std::unique_ptr<Source> openLiveMachine(const std::string& root, const SysfsSett
     surroundings.requestPass = requestPassIfPossible;
     surroundings.opener = openerOf(place);
     surroundings.listenToPlugs = !place.captured;
-    if (!place.captured) surroundings.newcomersAnswered = requestPassIfPossible; // a capture has no newcomers
+    if (!place.captured) surroundings.answersChanged = requestPassIfPossible; // a capture has no newcomers
     return std::make_unique<SysfsSource>(place.root, settings, std::move(surroundings));
 }
 

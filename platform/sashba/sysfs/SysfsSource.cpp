@@ -50,7 +50,7 @@ void SysfsSource::load(RecordTree& tree)
     ask(live);
     if (_asking) _asking->waitForAll(_settings.firstAnswers);
     take(tree, live);
-    if (_asking) _asking->tellOfFirstAnswers(_surroundings.newcomersAnswered);
+    if (_asking) _asking->tellOfNews(_surroundings.answersChanged);
 }
 
 void SysfsSource::refresh(RecordTree& tree)

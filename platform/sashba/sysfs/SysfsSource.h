@@ -28,8 +28,8 @@ struct SysfsSurroundings {
     std::function<void(const std::string&)> reportError;
     std::function<void(const std::string&)> reportInfo;
     std::function<void()> requestPass = [] {};
-    std::function<void()> newcomersAnswered = [] {}; // what came after the first filling is known now
-    std::shared_ptr<DeviceOpener> opener;            // null: no device is asked
+    std::function<void()> answersChanged = [] {}; // devices said something new after the first filling
+    std::shared_ptr<DeviceOpener> opener;         // null: no device is asked
     bool listenToPlugs = false;
 };
 
