@@ -117,7 +117,7 @@ endfunction()
 
 function(_kdv_test_properties name labels environment timeout)
     if(NOT timeout)
-        set(timeout 300)
+        set(timeout 900) # generous: the thread sanitizer on a busy machine needs a dozen times as long
     endif()
     set_tests_properties(${name} PROPERTIES TIMEOUT ${timeout} LABELS "${labels}"
         ENVIRONMENT "ASAN_OPTIONS=detect_stack_use_after_return=1;UBSAN_OPTIONS=print_stacktrace=1;TSAN_OPTIONS=halt_on_error=1 suppressions=${CMAKE_SOURCE_DIR}/tests/tsan.supp;${environment}")
